@@ -1,0 +1,171 @@
+/*
+ * libbarcode_orv: barcode generation behind a flat C interface.
+ *
+ * Create a handle for one symbology, set options, draw a text into a box, then collect
+ * the PNG bytes, a base64 data URI or an SVG document. Results belong to the handle.
+ * Every function accepts a null handle or null text and then returns its neutral value
+ * (0, "", or NULL); options that do not apply to the handle's symbology are ignored.
+ */
+#ifndef BARCODE_ORV_BARCODE_FFI_H
+#define BARCODE_ORV_BARCODE_FFI_H
+
+#include <stdint.h>
+
+#if defined(_WIN32)
+#define BARCODE_API __declspec(dllexport)
+#elif defined(__GNUC__)
+#define BARCODE_API __attribute__((visibility("default")))
+#else
+#define BARCODE_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Opaque handle owning one symbology object and its results. */
+typedef struct BarcodeHandle BarcodeHandle;
+
+/* Symbology types for barcode_create. */
+enum {
+  BARCODE_CODE39 = 0,
+  BARCODE_CODE93 = 1,
+  BARCODE_CODE128 = 2,
+  BARCODE_GS1_128 = 3,
+  BARCODE_NW7 = 4,
+  BARCODE_MATRIX2OF5 = 5,
+  BARCODE_NEC2OF5 = 6,
+  BARCODE_JAN8 = 7,
+  BARCODE_JAN13 = 8,
+  BARCODE_UPCA = 9,
+  BARCODE_UPCE = 10,
+  BARCODE_ITF = 11,
+  BARCODE_GS1_DATABAR_14 = 12,
+  BARCODE_GS1_DATABAR_LIMITED = 13,
+  BARCODE_GS1_DATABAR_EXPANDED = 14,
+  BARCODE_YUBIN_CUSTOMER = 15,
+  BARCODE_QR = 16,
+  BARCODE_DATAMATRIX = 17,
+  BARCODE_PDF417 = 18
+};
+
+/* ---- Handle, factory and results ---- */
+
+/* New handle for symbology `type` (0..18) in "png" output; NULL for an unknown type or
+ * a symbology this build does not provide. */
+BARCODE_API BarcodeHandle* barcode_create(int type);
+/* Frees the handle and everything its getters returned. NULL is ignored. */
+BARCODE_API void barcode_destroy(BarcodeHandle* handle);
+/* "png" (default), "jpg"/"jpeg" (PNG bytes, JPEG label on the data URI), "svg"/"SVG".
+ * Any other text is stored and then draws nothing. Affects later draws only. */
+BARCODE_API void barcode_set_output_format(BarcodeHandle* handle, const char* format);
+/* 1 when the output format is exactly "svg" or "SVG". */
+BARCODE_API int barcode_is_svg_output(BarcodeHandle* handle);
+/* The SVG document of the last draw; "" outside SVG mode. Valid until the next
+ * barcode_get_svg or barcode_get_base64 on this handle. */
+BARCODE_API const char* barcode_get_svg(BarcodeHandle* handle);
+/* The raster result as a data URI ("data:image/png;base64,..."). Consumes the canvas:
+ * a second call before the next draw yields a 1x1 fallback image. "" in SVG mode.
+ * Shares its result slot with barcode_get_svg. */
+BARCODE_API const char* barcode_get_base64(BarcodeHandle* handle);
+/* PNG file bytes of the last raster draw, their count in *size. NULL (size 0) when
+ * there is no canvas. Valid until the next successful call on this handle. */
+BARCODE_API const uint8_t* barcode_get_image_data(BarcodeHandle* handle, uint32_t* size);
+
+/* ---- Options for every symbology ---- */
+
+/* Bar and text colour, each component cut to its low 8 bits; default 0,0,0,255. */
+BARCODE_API void barcode_set_foreground_color(BarcodeHandle* handle, int r, int g, int b, int a);
+/* Canvas colour, each component cut to its low 8 bits; default 255,255,255,255. */
+BARCODE_API void barcode_set_background_color(BarcodeHandle* handle, int r, int g, int b, int a);
+/* Pixels added to every bar (negative thins; bars stay at least 1 pixel). */
+BARCODE_API void barcode_set_px_adjust_black(BarcodeHandle* handle, int px);
+/* Pixels added to every space. */
+BARCODE_API void barcode_set_px_adjust_white(BarcodeHandle* handle, int px);
+/* Nonzero: fractional module width that fills the box; 0 (default): whole pixels. */
+BARCODE_API void barcode_set_fit_width(BarcodeHandle* handle, int fit);
+
+/* ---- Options for linear symbologies (types 0..15) ---- */
+
+/* Human-readable line under the bars (default on). */
+BARCODE_API void barcode_set_show_text(BarcodeHandle* handle, int show);
+/* Text height factor (default 1.0). */
+BARCODE_API void barcode_set_text_font_scale(BarcodeHandle* handle, double scale);
+/* Factor of the gap between bars and text (default 1.0). */
+BARCODE_API void barcode_set_text_gap(BarcodeHandle* handle, double scale);
+/* Spread the text characters evenly over the bars (default on). */
+BARCODE_API void barcode_set_text_even_spacing(BarcodeHandle* handle, int even);
+/* Show start/stop characters in the text line: Code 39 (default on) and NW-7 (default on). */
+BARCODE_API void barcode_set_show_start_stop(BarcodeHandle* handle, int show);
+/* Extended guard bars for JAN-8, JAN-13, UPC-A and UPC-E. */
+BARCODE_API void barcode_set_extended_guard(BarcodeHandle* handle, int extended);
+/* Code 128 code set: "A", "B", "C" or "AUTO" (default); other text is ignored. */
+BARCODE_API void barcode_set_code_mode(BarcodeHandle* handle, const char* mode);
+
+/* ---- Options for two-dimensional symbologies (types 16..18) ---- */
+
+/* Encoding the symbol carries: "utf-8"/"UTF-8" (default) or
+ * "shift-jis"/"Shift-JIS"/"shift_jis"; text in the other encoding is converted. */
+BARCODE_API void barcode_set_string_encoding(BarcodeHandle* handle, const char* encoding);
+/* QR version 1..40, or 0 for the smallest that fits; other values mean 0. */
+BARCODE_API void barcode_set_version(BarcodeHandle* handle, int version);
+/* QR error correction "L", "M" (default), "Q" or "H"; anything else means M. */
+BARCODE_API void barcode_set_error_correction_level(BarcodeHandle* handle, const char* level);
+/* QR mode "NUMERIC"/"N" or "BYTE"/"AUTO"/"B" (default); "ALPHANUMERIC"/"A" and
+ * "KANJI"/"K" are carried in byte mode. */
+BARCODE_API void barcode_set_encode_mode(BarcodeHandle* handle, const char* mode);
+/* Data Matrix size "10x10" .. "144x144", "8x18" .. "16x48", or "AUTO" (default). */
+BARCODE_API void barcode_set_code_size(BarcodeHandle* handle, const char* size);
+/* Data Matrix scheme "ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256" or "AUTO". */
+BARCODE_API void barcode_set_encode_scheme(BarcodeHandle* handle, const char* scheme);
+/* PDF417 error-correction level. */
+BARCODE_API void barcode_set_error_level(BarcodeHandle* handle, int level);
+/* PDF417 data columns. */
+BARCODE_API void barcode_set_columns(BarcodeHandle* handle, int columns);
+/* PDF417 rows. */
+BARCODE_API void barcode_set_rows(BarcodeHandle* handle, int rows);
+/* PDF417 aspect ratio. */
+BARCODE_API void barcode_set_aspect_ratio(BarcodeHandle* handle, double ratio);
+/* PDF417 row height in modules. */
+BARCODE_API void barcode_set_y_height(BarcodeHandle* handle, int y_height);
+
+/* ---- Drawing: each returns 1 on success, 0 on failure or an unsuitable handle ---- */
+
+/* Any symbology into a width x height box. For a QR handle, a payload beyond version 40
+ * at the chosen level throws std::runtime_error out of this function (C++ callers can
+ * catch it; it is the only exception that leaves the library). */
+BARCODE_API int barcode_draw_1d(BarcodeHandle* handle, const char* text, int width, int height);
+/* Square 2D symbol (types 16..18). A QR payload beyond version 40 throws
+ * std::runtime_error out of this function, as for barcode_draw_1d. */
+BARCODE_API int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size);
+/* 2D symbol into a width x height box (types 16..18); the same QR capacity exception. */
+BARCODE_API int barcode_draw_2d_rect(BarcodeHandle* handle, const char* text, int width, int height);
+/* Japan Post customer barcode (type 15) at a given size. */
+BARCODE_API int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int size);
+/* Japan Post customer barcode (type 15) into a width x height box. */
+BARCODE_API int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int width, int height);
+/* GS1-128 convenience-store payment layout of a 43- or 44-digit code (type 3). */
+BARCODE_API int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int width, int height);
+/* GS1 DataBar Expanded in its stacked form (type 14). */
+BARCODE_API int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int width, int height);
+
+/* ---- GS1 DataBar helpers ---- */
+
+/* DataBar-14 form: "OMNIDIRECTIONAL", "STACKED" or "STACKED_OMNIDIRECTIONAL" (type 12). */
+BARCODE_API void barcode_set_symbol_type_14(BarcodeHandle* handle, const char* name);
+/* The DataBar-14 form's name; "" for other handles. */
+BARCODE_API const char* barcode_get_symbol_type_14(BarcodeHandle* handle);
+/* DataBar-14 encoding of `text` (type 12); 0 when rejected. */
+BARCODE_API int barcode_encode_14(BarcodeHandle* handle, const char* text);
+/* GTIN check digit text for `text`; one process-wide result, valid until the next call. */
+BARCODE_API const char* barcode_calculate_check_digit_14(const char* text);
+/* DataBar Expanded form: "UNSTACKED" or "STACKED" (type 14). */
+BARCODE_API void barcode_set_symbol_type_exp(BarcodeHandle* handle, const char* name);
+/* Segment columns of stacked DataBar Expanded (type 14). */
+BARCODE_API void barcode_set_no_of_columns(BarcodeHandle* handle, int columns);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* BARCODE_ORV_BARCODE_FFI_H */

@@ -1,0 +1,245 @@
+// The flat C interface: handles, results, options shared by all symbologies and the
+// draw entry points. Nothing but the documented capacity error leaves these functions.
+#include "barcode_ffi.h"
+
+#include <cfloat>
+#include <cmath>
+#include <string>
+
+#include "api/ffi_internal.h"
+#include "core/errors.h"
+#include "databar/gtin_check_digit.h"
+#include "linear/barcode_base_1d.h"
+
+using barcode_orv::BarcodeBase;
+using barcode_orv::BarcodeBase1D;
+using barcode_orv::ffi::ObjectFor;
+using barcode_orv::ffi::ObjectOf;
+
+namespace {
+
+const char kEmpty[] = "";
+
+// double -> float without the undefined behaviour of an out-of-range conversion.
+float NarrowToFloat(double value) {
+  if (std::isnan(value)) return static_cast<float>(value);
+  if (value > FLT_MAX) return INFINITY;
+  if (value < -FLT_MAX) return -INFINITY;
+  return static_cast<float>(value);
+}
+
+BarcodeBase1D* LinearObject(BarcodeHandle* handle) {
+  if (handle == nullptr || !barcode_orv::ffi::IsLinearType(handle->type)) return nullptr;
+  return dynamic_cast<BarcodeBase1D*>(handle->object.get());
+}
+
+// Runs a setter body; options never report errors.
+template <typename Body>
+void GuardSetter(Body&& body) noexcept {
+  try {
+    body();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): a setter has no error channel
+  }
+}
+
+// Runs a draw; the capacity error goes to the caller, anything else reads as failure.
+template <typename Body>
+int GuardDraw(Body&& body) {
+  try {
+    return body() ? 1 : 0;
+  } catch (const barcode_orv::SymbolCapacityError&) {
+    throw;
+  } catch (...) {
+    return 0;
+  }
+}
+
+const char* StoreTextResult(BarcodeHandle* handle, std::string (*fetch)(BarcodeBase&)) noexcept {
+  BarcodeBase* object = ObjectOf(handle);
+  if (object == nullptr) return kEmpty;
+  try {
+    std::string result = fetch(*object);
+    handle->text_result = std::move(result);
+    return handle->text_result.c_str();
+  } catch (...) {
+    return kEmpty;
+  }
+}
+
+}  // namespace
+
+extern "C" {
+
+// ---- Handle, factory and results ----
+
+BarcodeHandle* barcode_create(int type) {
+  if (static_cast<unsigned>(type) > 18U) return nullptr;
+  try {
+    std::unique_ptr<BarcodeBase> object = barcode_orv::ffi::MakeSymbology(type);
+    if (!object) return nullptr;
+    auto* handle = new BarcodeHandle();
+    handle->object = std::move(object);
+    handle->type = type;
+    return handle;
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+void barcode_destroy(BarcodeHandle* handle) { delete handle; }
+
+void barcode_set_output_format(BarcodeHandle* handle, const char* format) {
+  BarcodeBase* object = ObjectOf(handle);
+  if (object == nullptr || format == nullptr) return;
+  GuardSetter([&] { object->SetOutputFormat(format); });
+}
+
+int barcode_is_svg_output(BarcodeHandle* handle) {
+  const BarcodeBase* object = ObjectOf(handle);
+  return object != nullptr && object->IsSvgOutput() ? 1 : 0;
+}
+
+const char* barcode_get_svg(BarcodeHandle* handle) {
+  return StoreTextResult(handle, [](BarcodeBase& object) { return object.GetSvg(); });
+}
+
+const char* barcode_get_base64(BarcodeHandle* handle) {
+  return StoreTextResult(handle, [](BarcodeBase& object) { return object.GetImageBase64(); });
+}
+
+const uint8_t* barcode_get_image_data(BarcodeHandle* handle, uint32_t* size) {
+  BarcodeBase* object = ObjectOf(handle);
+  if (object == nullptr || size == nullptr) return nullptr;
+  try {
+    std::vector<uint8_t> png = object->GetImageMemory();
+    handle->image_data = std::move(png);
+    *size = static_cast<uint32_t>(handle->image_data.size());
+    return handle->image_data.empty() ? nullptr : handle->image_data.data();
+  } catch (...) {
+    *size = 0;
+    return nullptr;
+  }
+}
+
+// ---- Options for every symbology ----
+
+void barcode_set_foreground_color(BarcodeHandle* handle, int r, int g, int b, int a) {
+  if (BarcodeBase* object = ObjectOf(handle)) GuardSetter([&] { object->SetForegroundColor(r, g, b, a); });
+}
+
+void barcode_set_background_color(BarcodeHandle* handle, int r, int g, int b, int a) {
+  if (BarcodeBase* object = ObjectOf(handle)) GuardSetter([&] { object->SetBackgroundColor(r, g, b, a); });
+}
+
+void barcode_set_px_adjust_black(BarcodeHandle* handle, int px) {
+  if (BarcodeBase* object = ObjectOf(handle)) object->SetPxAdjustBlack(px);
+}
+
+void barcode_set_px_adjust_white(BarcodeHandle* handle, int px) {
+  if (BarcodeBase* object = ObjectOf(handle)) object->SetPxAdjustWhite(px);
+}
+
+void barcode_set_fit_width(BarcodeHandle* handle, int fit) {
+  if (BarcodeBase* object = ObjectOf(handle)) object->SetFitWidth(fit != 0);
+}
+
+// ---- Options for linear symbologies ----
+
+void barcode_set_show_text(BarcodeHandle* handle, int show) {
+  if (BarcodeBase1D* object = LinearObject(handle)) object->SetShowText(show != 0);
+}
+
+void barcode_set_text_font_scale(BarcodeHandle* handle, double scale) {
+  if (BarcodeBase1D* object = LinearObject(handle)) object->SetTextFontScale(NarrowToFloat(scale));
+}
+
+void barcode_set_text_gap(BarcodeHandle* handle, double scale) {
+  if (BarcodeBase1D* object = LinearObject(handle)) object->SetTextGap(NarrowToFloat(scale));
+}
+
+void barcode_set_text_even_spacing(BarcodeHandle* handle, int even) {
+  if (BarcodeBase1D* object = LinearObject(handle)) object->SetTextEvenSpacing(even != 0);
+}
+
+void barcode_set_show_start_stop(BarcodeHandle* handle, int show) {
+  if (ObjectFor(handle, {BARCODE_CODE39, BARCODE_NW7}) == nullptr) return;
+  if (BarcodeBase1D* object = LinearObject(handle)) object->SetShowStartStop(show != 0);
+}
+
+void barcode_set_extended_guard(BarcodeHandle* handle, int /*extended*/) {
+  // Served by the JAN/UPC classes; barcode_create provides none of them in this build,
+  // so no handle can reach here with one of their types.
+  (void)ObjectFor(handle, {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE});
+}
+
+// ---- Drawing ----
+
+int barcode_draw_1d(BarcodeHandle* handle, const char* text, int width, int height) {
+  BarcodeBase* object = ObjectOf(handle);
+  if (object == nullptr || text == nullptr) return 0;
+  return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, width, height); });
+}
+
+int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int /*size*/) {
+  // Japan Post customer barcode handles are not provided by this build.
+  if (ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER}) == nullptr || text == nullptr) return 0;
+  return 0;
+}
+
+int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int width, int height) {
+  BarcodeBase* object = ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER});
+  if (object == nullptr || text == nullptr) return 0;
+  return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, width, height); });
+}
+
+int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {
+  // GS1-128 handles are not provided by this build.
+  if (ObjectFor(handle, {BARCODE_GS1_128}) == nullptr || text == nullptr) return 0;
+  return 0;
+}
+
+int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {
+  // GS1 DataBar Expanded handles are not provided by this build.
+  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}) == nullptr || text == nullptr) return 0;
+  return 0;
+}
+
+// ---- GS1 DataBar helpers ----
+
+void barcode_set_symbol_type_14(BarcodeHandle* handle, const char* name) {
+  // GS1 DataBar-14 handles are not provided by this build.
+  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr || name == nullptr) return;
+}
+
+const char* barcode_get_symbol_type_14(BarcodeHandle* handle) {
+  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr) return kEmpty;
+  return "OMNIDIRECTIONAL";
+}
+
+int barcode_encode_14(BarcodeHandle* handle, const char* text) {
+  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr || text == nullptr) return 0;
+  return 0;
+}
+
+const char* barcode_calculate_check_digit_14(const char* text) {
+  static std::string result;  // one process-wide result, as documented
+  if (text == nullptr) return kEmpty;
+  try {
+    result = barcode_orv::internal::GtinCheckDigit13(text);
+    return result.c_str();
+  } catch (...) {
+    return kEmpty;
+  }
+}
+
+void barcode_set_symbol_type_exp(BarcodeHandle* handle, const char* name) {
+  // GS1 DataBar Expanded handles are not provided by this build.
+  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}) == nullptr || name == nullptr) return;
+}
+
+void barcode_set_no_of_columns(BarcodeHandle* handle, int /*columns*/) {
+  // GS1 DataBar Expanded handles are not provided by this build.
+  (void)ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED});
+}
+
+}  // extern "C"

@@ -1,0 +1,41 @@
+// The handle behind the C interface and the helpers its functions share.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "barcode_ffi.h"
+#include "core/barcode_base.h"
+
+struct BarcodeHandle {
+  std::unique_ptr<barcode_orv::BarcodeBase> object;
+  int type = 0;
+  std::string text_result;          // shared by barcode_get_svg and barcode_get_base64
+  std::vector<uint8_t> image_data;  // last barcode_get_image_data result
+};
+
+namespace barcode_orv::ffi {
+
+// The symbology object for `type`, or null for a type this build does not provide.
+std::unique_ptr<BarcodeBase> MakeSymbology(int type);
+
+// The handle's object when the handle is usable and its type is one of `types`.
+inline BarcodeBase* ObjectFor(BarcodeHandle* handle, std::initializer_list<int> types) {
+  if (handle == nullptr || !handle->object) return nullptr;
+  for (int type : types) {
+    if (handle->type == type) return handle->object.get();
+  }
+  return nullptr;
+}
+
+inline BarcodeBase* ObjectOf(BarcodeHandle* handle) {
+  return handle == nullptr ? nullptr : handle->object.get();
+}
+
+constexpr bool IsLinearType(int type) { return type >= 0 && type <= 15; }
+constexpr bool Is2DType(int type) { return type >= 16 && type <= 18; }
+
+}  // namespace barcode_orv::ffi

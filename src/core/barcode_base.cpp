@@ -1,0 +1,277 @@
+#include "core/barcode_base.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <mutex>
+#include <stdexcept>
+
+#include "core/log.h"
+#include "core/png_encoder.h"
+
+namespace barcode_orv {
+namespace {
+
+// A valid 1 x 1 PNG (one white grey pixel), returned when there is no canvas to encode.
+constexpr const char* kFallbackImage =
+    "data:image/png;base64,"
+    "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAAAAAA6fptVAAAACklEQVR42mP4DwABAQEAHLCMmQAAAABJRU5ErkJggg==";
+
+constexpr const char* kSvgNamespace = "http://www.w3.org/2000/svg";
+
+std::mutex& ModulePathMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+std::string& ModulePathStorage() {
+  static std::string path;
+  return path;
+}
+
+SDL_Color ColorFrom(int r, int g, int b, int a) {
+  // Each component keeps its low 8 bits, so 256 wraps to 0.
+  return SDL_Color{static_cast<Uint8>(r), static_cast<Uint8>(g), static_cast<Uint8>(b),
+                   static_cast<Uint8>(a)};
+}
+
+void AppendInt(std::string& out, long long value) {
+  char buffer[24];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  out.append(buffer, result.ptr);
+}
+
+}  // namespace
+
+BarcodeBase::BarcodeBase(std::string output_format) : output_format_(std::move(output_format)) {}
+
+BarcodeBase::~BarcodeBase() = default;
+
+void BarcodeBase::SetForegroundColor(int r, int g, int b, int a) { fore_color = ColorFrom(r, g, b, a); }
+
+void BarcodeBase::SetBackgroundColor(int r, int g, int b, int a) { back_color = ColorFrom(r, g, b, a); }
+
+bool BarcodeBase::IsSvgOutput() const { return output_format_ == "svg" || output_format_ == "SVG"; }
+
+bool BarcodeBase::IsRasterOutput() const {
+  return output_format_ == "png" || output_format_ == "jpg" || output_format_ == "jpeg";
+}
+
+bool BarcodeBase::Draw(const std::string& /*text*/, int /*x*/, int /*y*/, int width, int height) {
+  draw_width = width;
+  draw_height = height;
+  if (!IsRasterOutput()) return true;
+  if (!CreateSurface(width, height)) return false;
+  ClearCanvas(back_color);
+  return true;
+}
+
+bool BarcodeBase::DrawSvg(const std::string& /*text*/, int /*x*/, int /*y*/, int /*width*/,
+                          int /*height*/) {
+  return false;
+}
+
+bool BarcodeBase::CreateSurface(int width, int height) {
+  ReleaseCanvas();
+  SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ABGR8888));
+  if (!surface) {
+    log::Error(std::string("サーフェス作成に失敗: ") + SDL_GetError());
+    return false;
+  }
+  RendererPtr renderer(SDL_CreateSoftwareRenderer(surface.get()));
+  if (!renderer) {
+    log::Error(std::string("レンダラー作成に失敗: ") + SDL_GetError());
+    return false;
+  }
+  surface_ = std::move(surface);
+  renderer_ = std::move(renderer);
+  return true;
+}
+
+void BarcodeBase::ReleaseCanvas() {
+  renderer_.reset();
+  surface_.reset();
+}
+
+void BarcodeBase::ClearCanvas(SDL_Color color) {
+  if (!renderer_) return;
+  SDL_SetRenderDrawColor(renderer_.get(), color.r, color.g, color.b, color.a);
+  SDL_RenderClear(renderer_.get());
+}
+
+void BarcodeBase::FillRectF(float x, float y, float width, float height, SDL_Color color) {
+  if (!renderer_) return;
+  SDL_SetRenderDrawColor(renderer_.get(), color.r, color.g, color.b, color.a);
+  // The software renderer truncates position and size separately, which thins every
+  // fractional bar by up to a pixel in favour of the spaces. Snapping both edges to the
+  // nearest pixel keeps bars and spaces unbiased (and keeps at least one pixel).
+  const float left = std::round(x);
+  const float top = std::round(y);
+  const float snapped_width = std::max(std::round(x + width) - left, 1.0F);
+  const float snapped_height = std::max(std::round(y + height) - top, 1.0F);
+  const SDL_FRect rect{left, top, snapped_width, snapped_height};
+  SDL_RenderFillRectF(renderer_.get(), &rect);
+}
+
+std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {
+  if (surface == nullptr) {
+    log::Progress("ERROR: サーフェスがnullです");
+    return {};
+  }
+  std::vector<uint8_t> png = EncodeSurfacePng(surface);
+  if (png.empty()) {
+    log::Progress(std::string("ERROR: PNG保存に失敗しました: ") + SDL_GetError());
+    return {};
+  }
+  if (!log::Quiet()) {
+    log::Progress("PNG保存: " + std::to_string(surface->w) + "x" + std::to_string(surface->h) +
+                  " → " + std::to_string(png.size()) + " バイト");
+  }
+  return png;
+}
+
+std::vector<uint8_t> BarcodeBase::GetImageMemory() {
+  if (renderer_) SDL_RenderPresent(renderer_.get());
+  return SaveSurfaceToMemory(surface_.get());
+}
+
+std::string BarcodeBase::GetImageBase64() {
+  if (IsSvgOutput()) {
+    throw std::runtime_error("GetImageBase64() is not available in SVG mode. Use GetSvg() instead.");
+  }
+  try {
+    if (renderer_) SDL_RenderPresent(renderer_.get());
+    const std::vector<uint8_t> png = SaveSurfaceToMemory(surface_.get());
+    // The canvas is consumed: a data URI is fetched once per draw.
+    ReleaseCanvas();
+    if (png.empty()) return GetFallbackImage();
+    const bool jpeg_label = output_format_ == "jpg" || output_format_ == "jpeg";
+    // Deliberate: "jpg"/"jpeg" only relabel the data URI; the bytes are always PNG.
+    std::string uri = jpeg_label ? "data:image/jpeg;base64," : "data:image/png;base64,";
+    uri += Base64Encode(png.data(), png.size());
+    return uri;
+  } catch (const std::exception& error) {
+    return std::string("Error: ") + error.what();
+  }
+}
+
+std::string BarcodeBase::GetSvg() const {
+  if (!IsSvgOutput()) {
+    throw std::runtime_error("GetSvg() requires SVG output mode. Use constructor with \"svg\" parameter.");
+  }
+  return svg_;
+}
+
+std::string BarcodeBase::Base64Encode(const uint8_t* bytes, size_t length) {
+  static constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string out;
+  out.reserve((length + 2) / 3 * 4);
+  size_t i = 0;
+  for (; i + 3 <= length; i += 3) {
+    const uint32_t triple = (uint32_t{bytes[i]} << 16) | (uint32_t{bytes[i + 1]} << 8) | bytes[i + 2];
+    out.push_back(kAlphabet[(triple >> 18) & 63]);
+    out.push_back(kAlphabet[(triple >> 12) & 63]);
+    out.push_back(kAlphabet[(triple >> 6) & 63]);
+    out.push_back(kAlphabet[triple & 63]);
+  }
+  const size_t rest = length - i;
+  if (rest > 0) {
+    uint32_t triple = uint32_t{bytes[i]} << 16;
+    if (rest == 2) triple |= uint32_t{bytes[i + 1]} << 8;
+    out.push_back(kAlphabet[(triple >> 18) & 63]);
+    out.push_back(kAlphabet[(triple >> 12) & 63]);
+    out.push_back(rest == 2 ? kAlphabet[(triple >> 6) & 63] : '=');
+    out.push_back('=');
+  }
+  return out;
+}
+
+std::string BarcodeBase::GetFallbackImage() { return kFallbackImage; }
+
+void BarcodeBase::SetModulePath(const std::string& path) {
+  const std::lock_guard<std::mutex> lock(ModulePathMutex());
+  ModulePathStorage() = path;
+}
+
+std::string BarcodeBase::GetModulePath() {
+  const std::lock_guard<std::mutex> lock(ModulePathMutex());
+  return ModulePathStorage();
+}
+
+// ---- SVG document builder ----
+
+void BarcodeBase::AppendFixed(double value) {
+  // Same bytes as a stream in fixed notation with two decimals.
+  char buffer[64];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 2);
+  svg_.append(buffer, result.ptr);
+}
+
+void BarcodeBase::SvgBegin(int width, int height) {
+  svg_width = width;
+  svg_height = height;
+  svg_.clear();
+  svg_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"";
+  svg_ += kSvgNamespace;
+  svg_ += "\" version=\"1.1\" width=\"";
+  AppendInt(svg_, width);
+  svg_ += "\" height=\"";
+  AppendInt(svg_, height);
+  svg_ += "\" viewBox=\"0 0 ";
+  AppendInt(svg_, width);
+  svg_ += ' ';
+  AppendInt(svg_, height);
+  svg_ += "\">\n";
+}
+
+void BarcodeBase::SvgRect(float x, float y, float width, float height, SDL_Color color) {
+  svg_ += "  <rect x=\"";
+  AppendFixed(x);
+  svg_ += "\" y=\"";
+  AppendFixed(y);
+  svg_ += "\" width=\"";
+  AppendFixed(width);
+  svg_ += "\" height=\"";
+  AppendFixed(height);
+  svg_ += "\" fill=\"";
+  svg_ += ColorToRgbString(color);
+  svg_ += '"';
+  if (color.a < 255) {
+    svg_ += " fill-opacity=\"";
+    AppendFixed(color.a / 255.0);
+    svg_ += '"';
+  }
+  svg_ += "/>\n";
+}
+
+void BarcodeBase::SvgText(float x, float y, const std::string& text, int font_size, SDL_Color color,
+                          const std::string& anchor) {
+  svg_ += "  <text x=\"";
+  AppendFixed(x);
+  svg_ += "\" y=\"";
+  AppendFixed(y);
+  svg_ += "\" font-family=\"Arial, sans-serif\" font-size=\"";
+  AppendInt(svg_, font_size);
+  svg_ += "\" fill=\"";
+  svg_ += ColorToRgbString(color);
+  svg_ += "\" text-anchor=\"";
+  svg_ += anchor;
+  svg_ += "\" dominant-baseline=\"hanging\">";
+  svg_ += text;  // callers pass symbol characters only; nothing is escaped
+  svg_ += "</text>\n";
+}
+
+void BarcodeBase::SvgEnd() { svg_ += "</svg>\n"; }
+
+std::string BarcodeBase::ColorToRgbString(SDL_Color color) {
+  std::string out = "rgb(";
+  AppendInt(out, color.r);
+  out += ',';
+  AppendInt(out, color.g);
+  out += ',';
+  AppendInt(out, color.b);
+  out += ')';
+  return out;
+}
+
+}  // namespace barcode_orv

@@ -1,0 +1,113 @@
+// Root of every symbology: output format, colours, the raster canvas with its PNG and
+// base64 encodings, and the SVG document builder.
+#pragma once
+
+#include <SDL.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/sdl_handles.h"
+
+namespace barcode_orv {
+
+// The operations a host reaches through the C interface.
+class IBarcodeSymbology {
+ public:
+  virtual void SetForegroundColor(int r, int g, int b, int a) = 0;
+  virtual void SetBackgroundColor(int r, int g, int b, int a) = 0;
+  virtual bool Draw(const std::string& text, int x, int y, int width, int height) = 0;
+  virtual std::vector<uint8_t> GetImageMemory() = 0;
+  virtual std::string GetImageBase64() = 0;
+  virtual ~IBarcodeSymbology() = default;
+
+  IBarcodeSymbology() = default;
+  IBarcodeSymbology(const IBarcodeSymbology&) = delete;
+  IBarcodeSymbology& operator=(const IBarcodeSymbology&) = delete;
+};
+
+class BarcodeBase : public IBarcodeSymbology {
+ public:
+  explicit BarcodeBase(std::string output_format);
+  ~BarcodeBase() override;
+
+  void SetForegroundColor(int r, int g, int b, int a) override;
+  void SetBackgroundColor(int r, int g, int b, int a) override;
+
+  // Prepares a fresh canvas of width x height in raster formats; x and y only offset
+  // what the symbology draws later.
+  bool Draw(const std::string& text, int x, int y, int width, int height) override;
+  std::vector<uint8_t> GetImageMemory() override;
+  // A data URI; consumes the canvas, so it can be fetched once per draw.
+  std::string GetImageBase64() override;
+  // The base version draws nothing; every symbology overrides it.
+  virtual bool DrawSvg(const std::string& text, int x, int y, int width, int height);
+
+  // The SVG document of the last successful SVG draw; throws outside SVG mode.
+  std::string GetSvg() const;
+
+  void SetOutputFormat(const std::string& format) { output_format_ = format; }
+  const std::string& GetOutputFormat() const { return output_format_; }
+  // "svg" or "SVG" exactly.
+  bool IsSvgOutput() const;
+  // "png", "jpg" or "jpeg" exactly: the formats that get a canvas.
+  bool IsRasterOutput() const;
+
+  void SetFitWidth(bool fit) { fit_width = fit; }
+  bool GetFitWidth() const { return fit_width; }
+  void SetPxAdjustBlack(int px) { px_adjust_black = px; }
+  int GetPxAdjustBlack() const { return px_adjust_black; }
+  void SetPxAdjustWhite(int px) { px_adjust_white = px; }
+  int GetPxAdjustWhite() const { return px_adjust_white; }
+  SDL_Color GetForegroundColor() const { return fore_color; }
+  SDL_Color GetBackgroundColor() const { return back_color; }
+
+  static std::string Base64Encode(const uint8_t* bytes, size_t length);
+  static std::string GetFallbackImage();
+
+  // Directory under which a fonts/ folder may hold the text font; read once, when the
+  // first linear object opens the shared font.
+  static void SetModulePath(const std::string& path);
+  static std::string GetModulePath();
+
+ protected:
+  bool CreateSurface(int width, int height);
+  // PNG file bytes of `surface`; empty on failure.
+  static std::vector<uint8_t> SaveSurfaceToMemory(SDL_Surface* surface);
+
+  SDL_Renderer* canvas_renderer() const { return renderer_.get(); }
+  SDL_Surface* canvas_surface() const { return surface_.get(); }
+  // Fills a rectangle on the canvas renderer (no-op without one).
+  void FillRectF(float x, float y, float width, float height, SDL_Color color);
+  void ClearCanvas(SDL_Color color);
+
+  // SVG document builder.
+  void SvgBegin(int width, int height);
+  void SvgRect(float x, float y, float width, float height, SDL_Color color);
+  void SvgText(float x, float y, const std::string& text, int font_size, SDL_Color color,
+               const std::string& anchor);
+  void SvgEnd();
+  static std::string ColorToRgbString(SDL_Color color);
+
+  SDL_Color fore_color{0, 0, 0, 255};
+  SDL_Color back_color{255, 255, 255, 255};
+  bool fit_width = false;
+  int px_adjust_black = 0;
+  int px_adjust_white = 0;
+  int draw_width = 0;
+  int draw_height = 0;
+  int svg_width = 0;
+  int svg_height = 0;
+
+ private:
+  void ReleaseCanvas();
+  void AppendFixed(double value);
+
+  std::string output_format_;
+  RendererPtr renderer_;  // destroyed before the surface it draws into
+  SurfacePtr surface_;
+  std::string svg_;
+};
+
+}  // namespace barcode_orv

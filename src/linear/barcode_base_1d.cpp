@@ -1,0 +1,192 @@
+#include "linear/barcode_base_1d.h"
+
+#include <exception>
+
+#include "core/log.h"
+#include "linear/font_library.h"
+
+namespace barcode_orv {
+namespace {
+
+constexpr int kSharedFontPoints = 18;
+
+// The path the shared font was opened from; the per-size fonts come from the same file.
+std::string& SharedFontPath() {
+  static std::string path;
+  return path;
+}
+
+}  // namespace
+
+TTF_Font* BarcodeBase1D::m_font = nullptr;
+
+BarcodeBase1D::BarcodeBase1D(std::string output_format) : BarcodeBase(std::move(output_format)) {
+  InitFont();
+}
+
+void BarcodeBase1D::InitLinerBarcode(int /*width*/, int height, int text_lines) {
+  bar_height = BarHeightFor(height, show_text, text_font_scale, text_gap, text_lines);
+}
+
+std::string BarcodeBase1D::GetFontPath() { return font::FindFontPath(GetModulePath()); }
+
+bool BarcodeBase1D::InitFont() {
+  const std::lock_guard<std::mutex> lock(font::Mutex());
+  if (m_font != nullptr) return true;
+  if (TTF_WasInit() == 0 && TTF_Init() != 0) {
+    log::Error(std::string("SDL_ttfの初期化に失敗: ") + SDL_GetError());
+    return false;
+  }
+  const std::string path = GetFontPath();
+  if (path.empty()) {
+    log::Error("適切なフォントが見つかりません。");
+    return false;
+  }
+  m_font = TTF_OpenFont(path.c_str(), kSharedFontPoints);
+  if (m_font == nullptr) {
+    log::Error(std::string("フォントの読み込みに失敗: ") + SDL_GetError());
+    return false;
+  }
+  SharedFontPath() = path;
+  return true;
+}
+
+void BarcodeBase1D::DestroyFont() {
+  const std::lock_guard<std::mutex> lock(font::Mutex());
+  font::CloseSizedFonts();
+  if (m_font != nullptr) TTF_CloseFont(m_font);
+  m_font = nullptr;
+  SharedFontPath().clear();
+  TTF_Quit();
+}
+
+bool BarcodeBase1D::HasFont() {
+  const std::lock_guard<std::mutex> lock(font::Mutex());
+  return m_font != nullptr;
+}
+
+// ---- Width-list symbols ----
+
+BarLayout BarcodeBase1D::LayoutFor(const std::vector<int32_t>& widths, int x, int /*y*/, int box_width) const {
+  int64_t total = 0;
+  for (int32_t width : widths) total += width;
+  const float unit = ModuleWidthFor(box_width, total, fit_width);
+  return LayOutBars(widths, static_cast<float>(x), unit, px_adjust_black, px_adjust_white);
+}
+
+int BarcodeBase1D::PaintBarsRaster(const std::vector<int32_t>& widths, int x, int y, int box_width) {
+  const BarLayout layout = LayoutFor(widths, x, y, box_width);
+  for (const BarRect& bar : layout.bars) {
+    FillRectF(bar.x, static_cast<float>(y), bar.width, bar_height, fore_color);
+  }
+  return layout.drawn_width;
+}
+
+int BarcodeBase1D::PaintBarsSvg(const std::vector<int32_t>& widths, int x, int y, int box_width) {
+  const BarLayout layout = LayoutFor(widths, x, y, box_width);
+  for (const BarRect& bar : layout.bars) {
+    SvgRect(bar.x, static_cast<float>(y), bar.width, bar_height, fore_color);
+  }
+  return layout.drawn_width;
+}
+
+bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int width, int height,
+                                     const char* log_prefix, const LinearEncoder& encode) {
+  if (!BarcodeBase::Draw(text, x, y, width, height) || canvas_renderer() == nullptr) return false;
+  InitLinerBarcode(width, height, 1);
+  // A fresh canvas is already background; a leftover one (unknown format) is not.
+  if (!IsRasterOutput()) ClearCanvas(back_color);
+  LinearSymbol symbol;
+  try {
+    symbol = encode(text);
+  } catch (const std::exception& error) {
+    log::Error(std::string(log_prefix) + error.what());
+    return false;
+  }
+  const int drawn_width = PaintBarsRaster(symbol.widths, x, y, width);
+  last_drawn_width = drawn_width;
+  RenderText(symbol.display_text, x, y, drawn_width, height);
+  SDL_RenderPresent(canvas_renderer());
+  return true;
+}
+
+bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int width, int height,
+                                  const char* log_prefix, const LinearEncoder& encode) {
+  InitLinerBarcode(width, height, 1);
+  LinearSymbol symbol;
+  try {
+    symbol = encode(text);
+  } catch (const std::exception& error) {
+    log::Error(std::string(log_prefix) + error.what());
+    return false;
+  }
+  SvgBegin(width, height);
+  SvgRect(0, 0, static_cast<float>(width), static_cast<float>(height), back_color);
+  const int drawn_width = PaintBarsSvg(symbol.widths, x, y, width);
+  last_drawn_width = drawn_width;
+  RenderTextSvg(symbol.display_text, x, y, drawn_width, height);
+  SvgEnd();
+  return true;
+}
+
+// ---- Human-readable line ----
+
+namespace {
+
+// Draws one rendered piece with its top at `top`, or higher when the glyphs are taller
+// than the font size, so nothing hangs below the box.
+bool BlitText(SDL_Renderer* renderer, SDL_Surface* rendered, int left, int bottom, int font_size) {
+  TexturePtr texture(SDL_CreateTextureFromSurface(renderer, rendered));
+  if (!texture) return false;
+  SDL_SetTextureBlendMode(texture.get(), SDL_BLENDMODE_BLEND);
+  const int top = rendered->h > font_size ? bottom - rendered->h : bottom - font_size;
+  const SDL_Rect target{left, top, rendered->w, rendered->h};
+  SDL_RenderCopy(renderer, texture.get(), nullptr, &target);
+  return true;
+}
+
+}  // namespace
+
+void BarcodeBase1D::RenderText(const std::string& text, int x, int y, int width, int height) {
+  if (!show_text || text.empty() || canvas_renderer() == nullptr) return;
+  const std::lock_guard<std::mutex> lock(font::Mutex());
+  if (m_font == nullptr) return;
+  const TextSpacing spacing = EvenTextSpacing(width, height, text.size(), text_font_scale, text_margin_scale);
+  TTF_Font* font = font::SizedFont(SharedFontPath(), spacing.font_size);
+  if (font == nullptr) return;
+  const int bottom = y + height;
+  if (!text_even_spacing) {
+    SurfacePtr rendered(TTF_RenderUTF8_Blended(font, text.c_str(), fore_color));
+    if (rendered) BlitText(canvas_renderer(), rendered.get(), x + (width - rendered->w) / 2, bottom, spacing.font_size);
+    return;
+  }
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char glyph[2] = {text[i], '\0'};
+    SurfacePtr rendered(TTF_RenderUTF8_Blended(font, glyph, fore_color));
+    if (!rendered) {
+      log::Error(std::string("TTF_RenderUTF8_Blended error: ") + SDL_GetError());
+      continue;
+    }
+    const int64_t center = int64_t{x} + spacing.first_center + static_cast<int64_t>(i) * spacing.pitch;
+    const auto left = static_cast<int>(center - rendered->w / 2);
+    if (!BlitText(canvas_renderer(), rendered.get(), left, bottom, spacing.font_size)) {
+      log::Error(std::string("SDL_CreateTextureFromSurface error: ") + SDL_GetError());
+    }
+  }
+}
+
+void BarcodeBase1D::RenderTextSvg(const std::string& text, int x, int y, int width, int height) {
+  if (!show_text || text.empty()) return;
+  const TextSpacing spacing = EvenTextSpacing(width, height, text.size(), text_font_scale, text_margin_scale);
+  const auto top = static_cast<float>(int64_t{y} + height - spacing.font_size);
+  if (!text_even_spacing) {
+    SvgText(static_cast<float>(x + width / 2), top, text, spacing.font_size, fore_color, "middle");
+    return;
+  }
+  for (size_t i = 0; i < text.size(); ++i) {
+    const int64_t center = int64_t{x} + spacing.first_center + static_cast<int64_t>(i) * spacing.pitch;
+    SvgText(static_cast<float>(center), top, std::string(1, text[i]), spacing.font_size, fore_color, "middle");
+  }
+}
+
+}  // namespace barcode_orv

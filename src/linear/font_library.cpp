@@ -1,0 +1,98 @@
+#include "linear/font_library.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <climits>
+#include <map>
+
+#include "core/log.h"
+#include "core/sdl_handles.h"
+
+#if defined(__APPLE__)
+#include <mach-o/dyld.h>
+#endif
+
+namespace barcode_orv::font {
+namespace {
+
+constexpr const char* kFontFile = "Roboto-Regular.ttf";
+// Draws use a handful of sizes; beyond this many the cache starts over.
+constexpr size_t kMaxSizedFonts = 16;
+
+bool PathExists(const std::string& path) {
+  struct stat info {};
+  return ::stat(path.c_str(), &info) == 0;
+}
+
+std::map<int, FontPtr>& SizedFonts() {
+  static std::map<int, FontPtr> fonts;
+  return fonts;
+}
+
+}  // namespace
+
+std::string ExecutableDirectory() {
+  std::string path;
+#if defined(__APPLE__)
+  char buffer[1024];
+  uint32_t size = sizeof buffer;
+  if (_NSGetExecutablePath(buffer, &size) != 0) return "./";
+  path = buffer;
+#else
+  char buffer[PATH_MAX];
+  const ssize_t length = ::readlink("/proc/self/exe", buffer, sizeof buffer - 1);
+  if (length <= 0) return "./";
+  path.assign(buffer, static_cast<size_t>(length));
+#endif
+  const size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
+std::vector<std::string> FontCandidates(const std::string& module_path) {
+  std::vector<std::string> candidates;
+  if (!module_path.empty()) candidates.push_back(module_path + "/fonts/" + kFontFile);
+  const std::string exe_dir = ExecutableDirectory();
+  if (!exe_dir.empty()) candidates.push_back(exe_dir + "/assets/fonts/" + kFontFile);
+  candidates.push_back(std::string("./assets/fonts/") + kFontFile);
+  candidates.emplace_back("/Library/Fonts/Arial.ttf");
+#if defined(__linux__)
+#ifdef BARCODE_ORV_INSTALLED_FONT
+  candidates.emplace_back(BARCODE_ORV_INSTALLED_FONT);
+#endif
+  candidates.emplace_back("/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Regular.ttf");
+#endif
+  return candidates;
+}
+
+std::string FindFontPath(const std::string& module_path) {
+  for (const std::string& candidate : FontCandidates(module_path)) {
+    if (PathExists(candidate)) return candidate;
+  }
+  return {};
+}
+
+std::mutex& Mutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+TTF_Font* SizedFont(const std::string& path, int points) {
+  auto& fonts = SizedFonts();
+  const auto found = fonts.find(points);
+  if (found != fonts.end()) return found->second.get();
+  if (fonts.size() >= kMaxSizedFonts) fonts.clear();
+  FontPtr opened(TTF_OpenFont(path.c_str(), points));
+  if (!opened) {
+    log::Error(std::string("TTF_OpenFont error: ") + SDL_GetError());
+    return nullptr;
+  }
+  TTF_SetFontHinting(opened.get(), TTF_HINTING_MONO);
+  TTF_Font* font = opened.get();
+  fonts.emplace(points, std::move(opened));
+  return font;
+}
+
+void CloseSizedFonts() { SizedFonts().clear(); }
+
+}  // namespace barcode_orv::font

@@ -1,0 +1,31 @@
+// Locating the text font and keeping it open, once per process and per point size.
+#pragma once
+
+#include <SDL_ttf.h>
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace barcode_orv::font {
+
+// Directory of the running executable (without the trailing '/'), or "./".
+std::string ExecutableDirectory();
+
+// Candidate font files in search order, for the given module path.
+std::vector<std::string> FontCandidates(const std::string& module_path);
+
+// First candidate that exists on the file system, or "".
+std::string FindFontPath(const std::string& module_path);
+
+// Guards every use of the shared fonts.
+std::mutex& Mutex();
+
+// The found font opened at `points` with mono hinting, kept open for later draws.
+// Null (after logging) when it cannot be opened. Caller holds Mutex().
+TTF_Font* SizedFont(const std::string& path, int points);
+
+// Closes every sized font.
+void CloseSizedFonts();
+
+}  // namespace barcode_orv::font

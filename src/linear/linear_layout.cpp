@@ -1,0 +1,106 @@
+#include "linear/linear_layout.h"
+
+#include <cmath>
+
+namespace barcode_orv {
+namespace {
+
+// Text height factor by box height: small boxes give the text a larger share.
+double TextHeightFactor(int height) {
+  if (height < 50) return 0.25;
+  if (height <= 200) return 0.2;
+  return 0.15;
+}
+
+double TextGapFactor(int height) {
+  if (height < 50) return 0.03;
+  if (height <= 200) return 0.05;
+  return 0.07;
+}
+
+double TextMarginFactor(int width) {
+  if (width < 100) return 0.03;
+  if (width <= 400) return 0.05;
+  return 0.07;
+}
+
+// Integer part of `value`, saturated to the int range (NaN gives 0), so that absurd
+// scale options cannot overflow.
+int TruncateToInt(double value) {
+  if (std::isnan(value)) return 0;
+  if (value >= 2147483647.0) return 2147483647;
+  if (value <= -2147483648.0) return -2147483647 - 1;
+  return static_cast<int>(value);
+}
+
+constexpr int kMinTextHeight = 8;
+constexpr int kMinTextGap = 2;
+
+}  // namespace
+
+int TextHeightFor(int height, float font_scale) {
+  const int size = TruncateToInt(TextHeightFactor(height) * height * font_scale);
+  return size < kMinTextHeight ? kMinTextHeight : size;
+}
+
+int TextGapFor(int height, float gap_scale) {
+  const int gap = TruncateToInt(TextGapFactor(height) * height * gap_scale);
+  return gap < kMinTextGap ? kMinTextGap : gap;
+}
+
+float BarHeightFor(int height, bool show_text, float font_scale, float gap_scale, int text_lines) {
+  int64_t bars = height;
+  if (show_text) {
+    const int text_height = TextHeightFor(height, font_scale);
+    const int gap = TextGapFor(height, gap_scale);
+    // Two or more lines reserve (2 + lines) text heights: the layout of the two-line
+    // convenience-store form relies on that extra room.
+    const int text_factor = text_lines == 1 ? -1 : -2 - text_lines;
+    bars = int64_t{height} - gap + int64_t{text_factor} * text_height;
+  }
+  const float bar_height = static_cast<float>(bars);
+  return bar_height < 1.0F ? 1.0F : bar_height;
+}
+
+float ModuleWidthFor(int box_width, int64_t total_modules, bool fit_width) {
+  if (total_modules <= 0) return 1.0F;
+  float unit = static_cast<float>(box_width) / static_cast<float>(total_modules);
+  if (!fit_width) {
+    unit = std::floor(unit);
+    if (unit < 1.0F) unit = 1.0F;
+  }
+  return unit;
+}
+
+BarLayout LayOutBars(const std::vector<int32_t>& widths, float x, float unit, int adjust_black,
+                     int adjust_white) {
+  BarLayout layout;
+  layout.bars.reserve(widths.size() / 2 + 1);
+  float cursor = x;
+  for (size_t i = 0; i < widths.size(); ++i) {
+    float width = unit * static_cast<float>(widths[i]);
+    if (width < 1.0F) width = 1.0F;
+    const bool is_bar = i % 2 == 0;
+    width += static_cast<float>(is_bar ? adjust_black : adjust_white);
+    if (width < 1.0F) width = 1.0F;
+    if (is_bar) layout.bars.push_back(BarRect{cursor, width});
+    cursor += width;
+  }
+  layout.drawn_width = TruncateToInt(static_cast<double>(cursor) - x);
+  return layout;
+}
+
+TextSpacing EvenTextSpacing(int width, int height, size_t char_count, float font_scale, float margin_scale) {
+  TextSpacing spacing;
+  spacing.font_size = TextHeightFor(height, font_scale);
+  const int64_t margin = TruncateToInt(TextMarginFactor(width) * width * margin_scale);
+  const int64_t usable = int64_t{width} - 2 * margin;
+  const auto n = static_cast<int64_t>(char_count);
+  int64_t pitch = n >= 2 ? usable / (n - 1) : usable;
+  if (pitch < spacing.font_size / 2) pitch = spacing.font_size / 2;
+  spacing.pitch = TruncateToInt(static_cast<double>(pitch));
+  spacing.first_center = TruncateToInt(static_cast<double>((int64_t{width} - (n - 1) * pitch) / 2));
+  return spacing;
+}
+
+}  // namespace barcode_orv

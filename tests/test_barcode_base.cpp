@@ -1,0 +1,165 @@
+// The root class: base64, the fallback image, PNG encoding that keeps every pixel, and
+// the output-format rules.
+#include <gtest/gtest.h>
+
+#include <SDL.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "core/barcode_base.h"
+#include "core/png_encoder.h"
+#include "core/sdl_handles.h"
+#include "linear/code39.h"
+#include "support/png_image.h"
+
+namespace barcode_orv {
+namespace {
+
+std::string Base64(const std::string& bytes) {
+  return BarcodeBase::Base64Encode(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+}
+
+TEST(Base64Test, MatchesRfc4648Vectors) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},         {"f", "Zg=="},         {"fo", "Zm8="},         {"foo", "Zm9v"},
+      {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"},
+      {std::string("\xFB\xFF\x00", 3), "+/8A"},
+  };
+  for (const auto& [input, expected] : cases) EXPECT_EQ(Base64(input), expected);
+}
+
+TEST(FallbackImageTest, IsAOnePixelPngDataUri) {
+  const std::string uri = BarcodeBase::GetFallbackImage();
+  ASSERT_EQ(uri.size(), 114U);
+  ASSERT_EQ(uri.rfind("data:image/png;base64,", 0), 0U);
+  // Decode the base64 part and check it is a 1 x 1 PNG.
+  static const std::string kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::vector<uint8_t> bytes;
+  uint32_t bits = 0;
+  int count = 0;
+  for (char c : uri.substr(22)) {
+    if (c == '=') break;
+    bits = (bits << 6) | static_cast<uint32_t>(kAlphabet.find(c));
+    count += 6;
+    if (count >= 8) {
+      count -= 8;
+      bytes.push_back(static_cast<uint8_t>(bits >> count));
+    }
+  }
+  const testing::RgbaImage image = testing::DecodePng(bytes);
+  EXPECT_EQ(image.width, 1);
+  EXPECT_EQ(image.height, 1);
+}
+
+// A surface whose pixels the test chooses.
+SurfacePtr MakeSurface(int width, int height) {
+  return SurfacePtr(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ABGR8888));
+}
+
+void ExpectSamePixels(SDL_Surface* surface, const std::vector<uint8_t>& png) {
+  const testing::RgbaImage image = testing::DecodePng(png);
+  ASSERT_EQ(image.width, surface->w);
+  ASSERT_EQ(image.height, surface->h);
+  for (int y = 0; y < surface->h; ++y) {
+    const auto* row = static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch;
+    ASSERT_EQ(0, std::memcmp(row, &image.pixels[static_cast<size_t>(y) * surface->w * 4],
+                             static_cast<size_t>(surface->w) * 4))
+        << "row " << y;
+  }
+}
+
+TEST(PngEncoderTest, IndexedPathKeepsEveryPixelIncludingAlpha) {
+  SurfacePtr surface = MakeSurface(61, 23);
+  std::mt19937 rng(7);
+  // 200 distinct colours, many translucent, in runs and scattered.
+  std::vector<uint32_t> palette(200);
+  for (auto& colour : palette) colour = rng();
+  auto* pixels = static_cast<uint32_t*>(surface->pixels);
+  for (int i = 0; i < 61 * 23; ++i) pixels[i] = palette[(i / 3 + rng() % 2) % palette.size()];
+  const std::vector<uint8_t> png = EncodeSurfacePng(surface.get());
+  ASSERT_GT(png.size(), 8U);
+  EXPECT_EQ(png[25], 3) << "expected an indexed (palette) PNG";  // IHDR colour type
+  ExpectSamePixels(surface.get(), png);
+}
+
+TEST(PngEncoderTest, MoreThan256ColoursFallBackToRgba) {
+  SurfacePtr surface = MakeSurface(40, 20);
+  auto* pixels = static_cast<uint32_t*>(surface->pixels);
+  for (int i = 0; i < 40 * 20; ++i) pixels[i] = 0x01000000U * static_cast<uint32_t>(i % 256) + static_cast<uint32_t>(i);
+  const std::vector<uint8_t> png = EncodeSurfacePng(surface.get());
+  ASSERT_GT(png.size(), 8U);
+  EXPECT_EQ(png[25], 6) << "expected an RGBA PNG";
+  ExpectSamePixels(surface.get(), png);
+}
+
+// Exposes the canvas of a real draw.
+class InspectableCode39 : public Code39 {
+ public:
+  using Code39::Code39;
+  using Code39::canvas_surface;
+};
+
+TEST(PngEncoderTest, DrawnCanvasWithTranslucentTextRoundTrips) {
+  InspectableCode39 code("png");
+  code.SetForegroundColor(20, 40, 200, 160);
+  code.SetBackgroundColor(250, 240, 200, 255);
+  ASSERT_TRUE(code.Draw("PIXELS 42", 3, 2, 333, 120));
+  ASSERT_NE(code.canvas_surface(), nullptr);
+  ExpectSamePixels(code.canvas_surface(), code.GetImageMemory());
+}
+
+TEST(OutputFormatTest, OnlyExactSpellingsSelectAMode) {
+  const std::pair<const char*, bool> svg_cases[] = {
+      {"svg", true}, {"SVG", true}, {"Svg", false}, {"sVG", false}, {"png", false}, {"svgz", false}, {"", false}};
+  for (const auto& [format, is_svg] : svg_cases) EXPECT_EQ(Code39(format).IsSvgOutput(), is_svg) << format;
+  const std::pair<const char*, bool> raster_cases[] = {
+      {"png", true}, {"jpg", true}, {"jpeg", true}, {"PNG", false}, {"gif", false}, {"svg", false}};
+  for (const auto& [format, is_raster] : raster_cases) {
+    EXPECT_EQ(Code39(format).IsRasterOutput(), is_raster) << format;
+  }
+}
+
+TEST(OutputFormatTest, UnknownFormatDrawsNothingOnAFreshObject) {
+  Code39 code("PNG");
+  EXPECT_FALSE(code.Draw("ABC", 0, 0, 300, 100));
+  EXPECT_TRUE(code.GetImageMemory().empty());
+}
+
+TEST(OutputFormatTest, JpegFormatsOnlyRelabelTheDataUri) {
+  for (const char* format : {"jpg", "jpeg"}) {
+    Code39 code(format);
+    ASSERT_TRUE(code.Draw("ABC", 0, 0, 300, 100));
+    const std::string uri = code.GetImageBase64();
+    EXPECT_EQ(uri.rfind("data:image/jpeg;base64,iVBORw0KGgo", 0), 0U) << uri.substr(0, 40);
+  }
+  Code39 png("png");
+  ASSERT_TRUE(png.Draw("ABC", 0, 0, 300, 100));
+  EXPECT_EQ(png.GetImageBase64().rfind("data:image/png;base64,iVBORw0KGgo", 0), 0U);
+}
+
+TEST(OutputFormatTest, CanvasMatchesTheBoxWhateverTheOffset) {
+  for (const auto& [x, y] : {std::pair{0, 0}, std::pair{25, 7}, std::pair{-5, 40}}) {
+    Code39 code("png");
+    ASSERT_TRUE(code.Draw("ABC", x, y, 300, 100));
+    const testing::RgbaImage image = testing::DecodePng(code.GetImageMemory());
+    EXPECT_EQ(image.width, 300);
+    EXPECT_EQ(image.height, 100);
+  }
+}
+
+TEST(OutputFormatTest, GetSvgOutsideSvgModeThrowsItsMessage) {
+  Code39 code("png");
+  try {
+    (void)code.GetSvg();
+    ADD_FAILURE();
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "GetSvg() requires SVG output mode. Use constructor with \"svg\" parameter.");
+  }
+  Code39 svg("svg");
+  EXPECT_THROW((void)svg.GetImageBase64(), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace barcode_orv

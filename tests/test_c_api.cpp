@@ -1,0 +1,158 @@
+// The C interface contract: handles, result slots, neutral values and type checks.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "barcode_ffi.h"
+#include "support/png_image.h"
+
+namespace {
+
+struct HandleDeleter {
+  void operator()(BarcodeHandle* handle) const { barcode_destroy(handle); }
+};
+using Handle = std::unique_ptr<BarcodeHandle, HandleDeleter>;
+
+Handle Code39Handle() { return Handle(barcode_create(BARCODE_CODE39)); }
+
+std::string Png(BarcodeHandle* handle) {
+  uint32_t size = 0;
+  const uint8_t* data = barcode_get_image_data(handle, &size);
+  return data == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(data), size);
+}
+
+TEST(CApiTest, CreateAcceptsOnlyKnownTypes) {
+  EXPECT_EQ(barcode_create(19), nullptr);
+  EXPECT_EQ(barcode_create(-1), nullptr);
+  EXPECT_EQ(barcode_create(1 << 30), nullptr);
+  Handle handle = Code39Handle();
+  ASSERT_NE(handle, nullptr);
+  EXPECT_EQ(barcode_is_svg_output(handle.get()), 0);
+}
+
+TEST(CApiTest, OutputFormatSwitch) {
+  Handle handle = Code39Handle();
+  const std::pair<const char*, int> cases[] = {{"SVG", 1}, {"Svg", 0}, {"svg", 1}, {"png", 0}, {"anything", 0}};
+  for (const auto& [format, svg] : cases) {
+    barcode_set_output_format(handle.get(), format);
+    EXPECT_EQ(barcode_is_svg_output(handle.get()), svg) << format;
+  }
+  barcode_set_output_format(handle.get(), nullptr);  // ignored
+  EXPECT_EQ(barcode_is_svg_output(handle.get()), 0);
+}
+
+TEST(CApiTest, NullArgumentsGiveNeutralValues) {
+  uint32_t size = 77;
+  EXPECT_STREQ(barcode_get_svg(nullptr), "");
+  EXPECT_STREQ(barcode_get_base64(nullptr), "");
+  EXPECT_EQ(barcode_get_image_data(nullptr, &size), nullptr);
+  EXPECT_EQ(size, 77U);
+  EXPECT_EQ(barcode_is_svg_output(nullptr), 0);
+  EXPECT_EQ(barcode_draw_1d(nullptr, "A", 100, 50), 0);
+  EXPECT_EQ(barcode_draw_2d(nullptr, "A", 100), 0);
+  EXPECT_EQ(barcode_draw_2d_rect(nullptr, "A", 100, 100), 0);
+  EXPECT_EQ(barcode_draw_yubin(nullptr, "A", 100), 0);
+  EXPECT_EQ(barcode_draw_convenience(nullptr, "A", 100, 50), 0);
+  EXPECT_EQ(barcode_draw_stacked(nullptr, "A", 100, 50), 0);
+  EXPECT_STREQ(barcode_get_symbol_type_14(nullptr), "");
+  EXPECT_EQ(barcode_encode_14(nullptr, "1"), 0);
+  EXPECT_STREQ(barcode_calculate_check_digit_14(nullptr), "");
+  barcode_destroy(nullptr);
+  barcode_set_foreground_color(nullptr, 1, 2, 3, 4);
+  barcode_set_show_text(nullptr, 0);
+  barcode_set_code_mode(nullptr, "A");
+  barcode_set_version(nullptr, 3);
+
+  Handle handle = Code39Handle();
+  EXPECT_EQ(barcode_draw_1d(handle.get(), nullptr, 100, 50), 0);
+  EXPECT_EQ(barcode_get_image_data(handle.get(), nullptr), nullptr);
+}
+
+TEST(CApiTest, RasterGettersAndTheSharedTextSlot) {
+  Handle handle = Code39Handle();
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "ABC-1234", 300, 100), 1);
+  EXPECT_STREQ(barcode_get_svg(handle.get()), "");  // raster mode: empty, never null
+  const std::string png = Png(handle.get());
+  ASSERT_GT(png.size(), 8U);
+  EXPECT_EQ(png.substr(0, 8), std::string("\x89PNG\r\n\x1a\n", 8));
+  EXPECT_EQ(Png(handle.get()), png);  // bytes can be fetched again
+
+  const std::string uri = barcode_get_base64(handle.get());
+  EXPECT_EQ(uri.rfind("data:image/png;base64,iVBORw0KGgo", 0), 0U);
+  EXPECT_GT(uri.size(), 114U);
+  // The data URI consumed the canvas: the fallback image, and no more bytes.
+  EXPECT_EQ(std::strlen(barcode_get_base64(handle.get())), 114U);
+  uint32_t size = 5;
+  EXPECT_EQ(barcode_get_image_data(handle.get(), &size), nullptr);
+  EXPECT_EQ(size, 0U);
+}
+
+TEST(CApiTest, SvgModeGetters) {
+  Handle handle = Code39Handle();
+  barcode_set_output_format(handle.get(), "svg");
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "ABC", 200, 80), 1);
+  const std::string svg = barcode_get_svg(handle.get());
+  EXPECT_EQ(svg.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n", 0), 0U);
+  EXPECT_STREQ(barcode_get_base64(handle.get()), "");
+  EXPECT_EQ(barcode_get_svg(handle.get()), svg);
+  uint32_t size = 3;
+  EXPECT_EQ(barcode_get_image_data(handle.get(), &size), nullptr);
+  EXPECT_EQ(size, 0U);
+}
+
+TEST(CApiTest, FailedDrawReturnsZeroAndLeavesABlankCanvas) {
+  Handle handle = Code39Handle();
+  barcode_set_background_color(handle.get(), 0, 128, 0, 255);
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "A*B", 120, 40), 0);
+  const barcode_orv::testing::RgbaImage image = barcode_orv::testing::DecodePng(
+      reinterpret_cast<const uint8_t*>(Png(handle.get()).data()), Png(handle.get()).size());
+  ASSERT_EQ(image.width, 120);
+  for (int x = 0; x < 120; x += 7) EXPECT_EQ(image.Pixel(x, 20), 0x008000FFU);
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "", 120, 40), 0);
+}
+
+TEST(CApiTest, ColourComponentsKeepTheirLowByte) {
+  Handle handle = Code39Handle();
+  barcode_set_output_format(handle.get(), "svg");
+  barcode_set_foreground_color(handle.get(), 256, 257, -1, 255 + 256);
+  barcode_set_background_color(handle.get(), 1, 2, 3, 4);
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "A", 200, 80), 1);
+  const std::string svg = barcode_get_svg(handle.get());
+  EXPECT_NE(svg.find("fill=\"rgb(0,1,255)\"/>"), std::string::npos);
+  EXPECT_NE(svg.find("fill=\"rgb(1,2,3)\" fill-opacity=\"0.02\"/>"), std::string::npos);
+}
+
+TEST(CApiTest, OptionsOnlyReachTheTypesTheyServe) {
+  Handle handle = Code39Handle();
+  barcode_set_output_format(handle.get(), "svg");
+  barcode_set_show_start_stop(handle.get(), 0);
+  barcode_set_text_even_spacing(handle.get(), 0);
+  barcode_set_code_mode(handle.get(), "C");       // Code 128 only: ignored
+  barcode_set_version(handle.get(), 5);           // QR only: ignored
+  EXPECT_EQ(barcode_draw_2d(handle.get(), "A", 100), 0);
+  EXPECT_EQ(barcode_draw_2d_rect(handle.get(), "A", 100, 100), 0);
+  EXPECT_EQ(barcode_draw_convenience(handle.get(), "A", 100, 100), 0);
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "AB", 300, 100), 1);
+  EXPECT_NE(std::string(barcode_get_svg(handle.get())).find(">AB</text>"), std::string::npos);
+}
+
+TEST(CApiTest, AbsurdTextScalesDoNotBreakDrawing) {
+  Handle handle = Code39Handle();
+  for (const double scale : {1e300, -1e300, 0.0, -2.0, 1e-300}) {
+    barcode_set_text_font_scale(handle.get(), scale);
+    barcode_set_text_gap(handle.get(), scale);
+    EXPECT_EQ(barcode_draw_1d(handle.get(), "A1", 200, 60), 1) << scale;
+  }
+}
+
+TEST(CApiTest, CheckDigitResultIsOneProcessWideString) {
+  const char* first = barcode_calculate_check_digit_14("0950110153000");
+  EXPECT_STREQ(first, "3");
+  const char* second = barcode_calculate_check_digit_14("2001234567890");
+  EXPECT_EQ(first, second);
+  EXPECT_STREQ(second, "9");
+  EXPECT_STREQ(barcode_calculate_check_digit_14("123"), "");  // not 13 characters
+}
+
+}  // namespace

@@ -1,0 +1,125 @@
+// Layout rules shared by the linear symbologies: text size, bar height, module width,
+// bar placement and the spacing of the human-readable characters.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "linear/linear_layout.h"
+
+namespace barcode_orv {
+namespace {
+
+struct TextHeightCase {
+  int height;
+  float scale;
+  int expected;
+};
+
+TEST(LinearLayoutTest, TextHeightFollowsBoxHeightBands) {
+  const TextHeightCase cases[] = {
+      {100, 1.0F, 20}, {40, 1.0F, 10}, {20, 1.0F, 8},   // 5 raised to the minimum of 8
+      {49, 1.0F, 12},  {50, 1.0F, 10}, {200, 1.0F, 40}, {201, 1.0F, 30},
+      {100, 2.0F, 40}, {100, 0.1F, 8},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(TextHeightFor(c.height, c.scale), c.expected) << "height " << c.height << " scale " << c.scale;
+  }
+}
+
+TEST(LinearLayoutTest, AbsurdScalesSaturateInsteadOfOverflowing) {
+  EXPECT_EQ(TextHeightFor(100, std::numeric_limits<float>::infinity()), 2147483647);
+  EXPECT_EQ(TextHeightFor(100, std::numeric_limits<float>::quiet_NaN()), 8);
+  EXPECT_EQ(TextGapFor(100, -std::numeric_limits<float>::infinity()), 2);
+  EXPECT_EQ(BarHeightFor(100, true, std::numeric_limits<float>::infinity(), 1.0F, 1), 1.0F);
+}
+
+struct BarHeightCase {
+  int height;
+  bool show_text;
+  float font_scale;
+  float gap_scale;
+  int lines;
+  float expected;
+};
+
+TEST(LinearLayoutTest, BarHeightLeavesRoomForText) {
+  const BarHeightCase cases[] = {
+      {40, true, 1.0F, 1.0F, 1, 28.0F},    // T 10, G max(1, 2) = 2
+      {100, true, 1.0F, 1.0F, 1, 75.0F},   // T 20, G 5
+      {100, false, 1.0F, 1.0F, 1, 100.0F},
+      {300, true, 1.0F, 1.0F, 1, 234.0F},  // T 45, G 21
+      {100, true, 1.0F, 1.0F, 2, 15.0F},   // two lines reserve four text heights
+      {10, true, 1.0F, 1.0F, 1, 1.0F},     // clamped to one pixel
+      {100, true, 1.0F, 3.0F, 1, 65.0F},   // G 15
+  };
+  for (const auto& c : cases) {
+    EXPECT_FLOAT_EQ(BarHeightFor(c.height, c.show_text, c.font_scale, c.gap_scale, c.lines), c.expected)
+        << "height " << c.height;
+  }
+}
+
+TEST(LinearLayoutTest, ModuleWidthIsWholePixelsUnlessFitWidth) {
+  EXPECT_FLOAT_EQ(ModuleWidthFor(200, 47, false), 4.0F);
+  EXPECT_NEAR(ModuleWidthFor(200, 47, true), 200.0 / 47.0, 1e-5);
+  EXPECT_FLOAT_EQ(ModuleWidthFor(30, 47, false), 1.0F);  // narrower than the symbol
+  EXPECT_NEAR(ModuleWidthFor(30, 47, true), 30.0 / 47.0, 1e-6);
+  EXPECT_FLOAT_EQ(ModuleWidthFor(100, 0, false), 1.0F);
+}
+
+TEST(LinearLayoutTest, BarsAdvanceByAdjustedWidths) {
+  const std::vector<int32_t> widths = {1, 3, 1, 1, 3};
+  const BarLayout plain = LayOutBars(widths, 10.0F, 2.0F, 0, 0);
+  ASSERT_EQ(plain.bars.size(), 3U);
+  EXPECT_FLOAT_EQ(plain.bars[0].x, 10.0F);
+  EXPECT_FLOAT_EQ(plain.bars[1].x, 18.0F);
+  EXPECT_FLOAT_EQ(plain.bars[2].x, 22.0F);
+  EXPECT_FLOAT_EQ(plain.bars[2].width, 6.0F);
+  EXPECT_EQ(plain.drawn_width, 18);
+
+  // A widened bar pushes everything after it; thinned bars stay one pixel wide.
+  const BarLayout black = LayOutBars(widths, 0.0F, 2.0F, 1, 0);
+  EXPECT_FLOAT_EQ(black.bars[1].x, 9.0F);
+  EXPECT_EQ(black.drawn_width, 21);
+  const BarLayout thin = LayOutBars(widths, 0.0F, 2.0F, -10, -10);
+  for (const BarRect& bar : thin.bars) EXPECT_FLOAT_EQ(bar.width, 1.0F);
+  EXPECT_EQ(thin.drawn_width, 5);
+
+  // Below one pixel a module is still drawn one pixel wide.
+  const BarLayout tiny = LayOutBars({1, 1, 1}, 0.0F, 0.25F, 0, 0);
+  EXPECT_EQ(tiny.drawn_width, 3);
+}
+
+TEST(LinearLayoutTest, FitWidthFillsTheBoxExactly) {
+  std::vector<int32_t> widths(29, 1);
+  for (size_t i = 0; i < widths.size(); i += 3) widths[i] = 3;
+  int64_t total = 0;
+  for (int32_t w : widths) total += w;
+  const BarLayout layout = LayOutBars(widths, 0.0F, ModuleWidthFor(200, total, true), 0, 0);
+  EXPECT_NEAR(layout.drawn_width, 200, 1);
+}
+
+struct SpacingCase {
+  int width;
+  int height;
+  size_t chars;
+  int pitch;
+  int first_center;
+};
+
+TEST(LinearLayoutTest, EvenSpacingCentresTheRunOnTheBars) {
+  const SpacingCase cases[] = {
+      {150, 100, 13, 11, 9},   // margin 7, usable 136
+      {188, 80, 3, 85, 9},     // margin 9, usable 170
+      {300, 100, 1, 270, 150}, // one character: centred
+      {50, 100, 40, 10, -170}, // pitch raised to half the font size
+  };
+  for (const auto& c : cases) {
+    const TextSpacing spacing = EvenTextSpacing(c.width, c.height, c.chars, 1.0F, 1.0F);
+    EXPECT_EQ(spacing.pitch, c.pitch) << "width " << c.width;
+    EXPECT_EQ(spacing.first_center, c.first_center) << "width " << c.width;
+  }
+}
+
+}  // namespace
+}  // namespace barcode_orv
