@@ -1,5 +1,6 @@
 #include "linear/barcode_base_1d.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "core/log.h"
@@ -9,6 +10,9 @@ namespace barcode_orv {
 namespace {
 
 constexpr int kSharedFontPoints = 18;
+// Glyphs are never rasterised larger than this: a text far taller than any canvas
+// would only cost memory (the SVG text keeps the computed size).
+constexpr int kMaxRasterFontPoints = 2048;
 
 // The path the shared font was opened from; the per-size fonts come from the same file.
 std::string& SharedFontPath() {
@@ -152,7 +156,7 @@ void BarcodeBase1D::RenderText(const std::string& text, int x, int y, int width,
   const std::lock_guard<std::mutex> lock(font::Mutex());
   if (m_font == nullptr) return;
   const TextSpacing spacing = EvenTextSpacing(width, height, text.size(), text_font_scale, text_margin_scale);
-  TTF_Font* font = font::SizedFont(SharedFontPath(), spacing.font_size);
+  TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(spacing.font_size, kMaxRasterFontPoints));
   if (font == nullptr) return;
   const int bottom = y + height;
   if (!text_even_spacing) {

@@ -1,5 +1,6 @@
 #include "linear/font_library.h"
 
+#include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,6 +31,16 @@ std::map<int, FontPtr>& SizedFonts() {
   return fonts;
 }
 
+// Directory of the file this library was loaded from (the shared or the linking
+// program), so an installed font is found wherever the prefix was.
+std::string LibraryDirectory() {
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<void*>(&FindFontPath), &info) == 0 || info.dli_fname == nullptr) return {};
+  const std::string path = info.dli_fname;
+  const size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
 }  // namespace
 
 std::string ExecutableDirectory() {
@@ -57,6 +68,9 @@ std::vector<std::string> FontCandidates(const std::string& module_path) {
   candidates.push_back(std::string("./assets/fonts/") + kFontFile);
   candidates.emplace_back("/Library/Fonts/Arial.ttf");
 #if defined(__linux__)
+  if (const std::string library_dir = LibraryDirectory(); !library_dir.empty()) {
+    candidates.push_back(library_dir + "/../share/barcode_orv/fonts/" + kFontFile);
+  }
 #ifdef BARCODE_ORV_INSTALLED_FONT
   candidates.emplace_back(BARCODE_ORV_INSTALLED_FONT);
 #endif

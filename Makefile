@@ -1,0 +1,45 @@
+# Two commands do all the set-up on a fresh Debian machine:
+#   make demo   installs what is missing, builds, renders every symbology into out/
+#   make test   installs what is missing, builds, runs every test through ctest
+BUILD_DIR ?= build
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+CMAKE_FLAGS ?=
+
+.PHONY: all deps build test demo bench fuzz sanitize install clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps.sh
+
+build: deps
+	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS)
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+test: build
+	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+
+demo: build
+	bash scripts/make-gallery.sh $(BUILD_DIR)/barcode-orv out
+
+bench: deps
+	cmake -S . -B $(BUILD_DIR)-bench -DCMAKE_BUILD_TYPE=Release -DBARCODE_ORV_BUILD_TESTS=OFF -DBARCODE_ORV_BUILD_BENCH=ON
+	cmake --build $(BUILD_DIR)-bench -j $(JOBS)
+	for program in $(BUILD_DIR)-bench/bench_*; do $$program; done
+
+sanitize: deps
+	cmake -S . -B $(BUILD_DIR)-asan -DCMAKE_BUILD_TYPE=Debug -DBARCODE_ORV_SANITIZE=ON $(CMAKE_FLAGS)
+	cmake --build $(BUILD_DIR)-asan -j $(JOBS)
+	cd $(BUILD_DIR)-asan && ctest --output-on-failure -j $(JOBS)
+
+fuzz: deps
+	CC=clang CXX=clang++ cmake -S . -B $(BUILD_DIR)-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DBARCODE_ORV_BUILD_FUZZ=ON -DBARCODE_ORV_BUILD_TESTS=OFF -DBARCODE_ORV_BUILD_TOOLS=OFF
+	cmake --build $(BUILD_DIR)-fuzz -j $(JOBS) --target fuzz_c_interface
+	bash scripts/run-fuzz.sh $(BUILD_DIR)-fuzz/fuzz_c_interface 60
+
+install: build
+	cmake --install $(BUILD_DIR)
+
+clean:
+	rm -rf $(BUILD_DIR) $(BUILD_DIR)-bench $(BUILD_DIR)-asan $(BUILD_DIR)-fuzz out

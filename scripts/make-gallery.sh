@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Renders every symbology this build provides to PNG and SVG in OUT_DIR and writes
+# OUT_DIR/index.html, which shows each picture with the command that made it.
+# Usage: make-gallery.sh CLI OUT_DIR
+set -euo pipefail
+cli=${1:?usage: make-gallery.sh CLI OUT_DIR}
+out=${2:?usage: make-gallery.sh CLI OUT_DIR}
+mkdir -p "$out"
+export BARCODE_ORV_QUIET=1
+
+# name | symbology | text | extra options
+samples=(
+  "code39|code39|ABC-1234|--width 300 --height 100"
+  "code39-no-asterisks|code39|CODE 39|--width 360 --height 100 --show-start-stop 0"
+  "code93|code93|CODE93 TEST|--width 320 --height 100"
+  "code128-auto|code128|Code128 abc-123456|--width 400 --height 100"
+  "code128-set-c|code128|1234567890|--width 300 --height 100 --code-mode C"
+  "nw7|nw7|A1234-5678B|--width 360 --height 100"
+  "matrix2of5|matrix2of5|1234567890|--width 360 --height 100"
+  "nec2of5|nec2of5|1234567890|--width 360 --height 100"
+  "itf|itf|12345678901231|--width 360 --height 100"
+  "qr-url|qr|https://example.com/barcode?id=12345|--width 300 --height 300"
+  "qr-level-h|qr|HELLO QR CODE LEVEL H|--width 300 --height 300 --error-correction H"
+  "qr-numeric|qr|31415926535897932384626433832795028841971|--width 300 --height 300 --encode-mode NUMERIC"
+  "qr-shift-jis|qr|バーコード生成ライブラリ|--width 300 --height 300 --string-encoding shift-jis"
+  "qr-version-10|qr|fixed version ten|--width 400 --height 400 --version 10 --fg 20,40,120"
+)
+
+html="$out/index.html"
+{
+  echo '<!DOCTYPE html>'
+  echo '<html lang="en"><head><meta charset="utf-8"><title>libbarcode_orv gallery</title>'
+  echo '<style>body{font-family:sans-serif;margin:2em;background:#f4f4f4}'
+  echo 'figure{display:inline-block;vertical-align:top;background:#fff;margin:0 1em 1em 0;padding:1em;border:1px solid #ccc}'
+  echo 'img{border:1px dashed #bbb;margin-right:1em}figcaption{margin-top:.5em;font-size:90%}code{display:block;margin:.2em 0}</style>'
+  echo '</head><body><h1>libbarcode_orv gallery</h1>'
+  echo '<p>Each symbol is drawn by the command-line tool; PNG on the left, SVG on the right.</p>'
+} > "$html"
+
+escape() { sed -e 's/&/\&amp;/g' -e 's/</\&lt;/g' -e 's/>/\&gt;/g' -e 's/"/\&quot;/g'; }
+
+rendered=0
+skipped=()
+for sample in "${samples[@]}"; do
+  IFS='|' read -r name symbology text options <<< "$sample"
+  # shellcheck disable=SC2206
+  extra=($options)
+  png_cmd=("$cli" "${extra[@]}" --format png --output "$out/$name.png" "$symbology" "$text")
+  svg_cmd=("$cli" "${extra[@]}" --format svg --output "$out/$name.svg" "$symbology" "$text")
+  if ! "${png_cmd[@]}" 2> "$out/$name.log" || ! "${svg_cmd[@]}" 2>> "$out/$name.log"; then
+    if grep -q "not provided" "$out/$name.log"; then
+      skipped+=("$name")
+      rm -f "$out/$name.log" "$out/$name.png" "$out/$name.svg"
+      continue
+    fi
+    cat "$out/$name.log" >&2
+    echo "make-gallery: $name failed" >&2
+    exit 1
+  fi
+  rm -f "$out/$name.log"
+  shown_png="barcode-orv ${options} --format png --output $name.png $symbology '$text'"
+  shown_svg="barcode-orv ${options} --format svg --output $name.svg $symbology '$text'"
+  {
+    echo "<figure><img src=\"$name.png\" alt=\"$name PNG\"><img src=\"$name.svg\" alt=\"$name SVG\">"
+    echo "<figcaption><strong>$name</strong>"
+    echo "<code>$(printf '%s' "$shown_png" | escape)</code><code>$(printf '%s' "$shown_svg" | escape)</code>"
+    echo "</figcaption></figure>"
+  } >> "$html"
+  rendered=$((rendered + 1))
+done
+
+echo '</body></html>' >> "$html"
+echo "gallery: $rendered symbols in $out/index.html"
+if [ ${#skipped[@]} -gt 0 ]; then
+  echo "gallery: not provided by this build: ${skipped[*]}"
+fi
