@@ -72,6 +72,9 @@ bool BarcodeBase::DrawSvg(const std::string& /*text*/, int /*x*/, int /*y*/, int
 }
 
 bool BarcodeBase::CreateSurface(int width, int height) {
+  // A canvas of the same size is reused: every draw clears it before painting, so the
+  // result is the same as a fresh one without the allocation.
+  if (surface_ && renderer_ && surface_->w == width && surface_->h == height) return true;
   ReleaseCanvas();
   SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ABGR8888));
   if (!surface) {

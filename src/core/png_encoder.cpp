@@ -100,10 +100,16 @@ SurfacePtr IndexedCopy(SDL_Surface* surface) {
   SurfacePtr indexed(SDL_CreateRGBSurfaceWithFormat(0, surface->w, surface->h, 8, SDL_PIXELFORMAT_INDEX8));
   if (!indexed) return nullptr;
   PaletteBuilder palette;
+  const size_t row_bytes = static_cast<size_t>(surface->w) * 4;
   for (int y = 0; y < surface->h; ++y) {
-    const auto* src = reinterpret_cast<const uint32_t*>(static_cast<const uint8_t*>(surface->pixels) +
-                                                        static_cast<ptrdiff_t>(y) * surface->pitch);
+    const auto* src_bytes = static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch;
+    const auto* src = reinterpret_cast<const uint32_t*>(src_bytes);
     uint8_t* dst = static_cast<uint8_t*>(indexed->pixels) + static_cast<ptrdiff_t>(y) * indexed->pitch;
+    // Bars and modules repeat rows: an identical source row reuses the indices above.
+    if (y > 0 && std::memcmp(src_bytes, src_bytes - surface->pitch, row_bytes) == 0) {
+      std::memcpy(dst, dst - indexed->pitch, static_cast<size_t>(surface->w));
+      continue;
+    }
     uint32_t last_pixel = 0;
     uint8_t last_index = 0;
     bool have_last = false;

@@ -94,6 +94,17 @@ int BarcodeBase1D::PaintBarsSvg(const std::vector<int32_t>& widths, int x, int y
   return layout.drawn_width;
 }
 
+bool BarcodeBase1D::EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
+                                   LinearSymbol* symbol) {
+  try {
+    *symbol = encode(text);
+    return true;
+  } catch (const std::exception& error) {
+    log::Error(std::string(log_prefix) + error.what());
+    return false;
+  }
+}
+
 bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int width, int height,
                                      const char* log_prefix, const LinearEncoder& encode) {
   if (!BarcodeBase::Draw(text, x, y, width, height) || canvas_renderer() == nullptr) return false;
@@ -101,12 +112,7 @@ bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int 
   // A fresh canvas is already background; a leftover one (unknown format) is not.
   if (!IsRasterOutput()) ClearCanvas(back_color);
   LinearSymbol symbol;
-  try {
-    symbol = encode(text);
-  } catch (const std::exception& error) {
-    log::Error(std::string(log_prefix) + error.what());
-    return false;
-  }
+  if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
   const int drawn_width = PaintBarsRaster(symbol.widths, x, y, width);
   last_drawn_width = drawn_width;
   RenderText(symbol.display_text, x, y, drawn_width, height);
@@ -118,12 +124,7 @@ bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int wid
                                   const char* log_prefix, const LinearEncoder& encode) {
   InitLinerBarcode(width, height, 1);
   LinearSymbol symbol;
-  try {
-    symbol = encode(text);
-  } catch (const std::exception& error) {
-    log::Error(std::string(log_prefix) + error.what());
-    return false;
-  }
+  if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
   SvgBegin(width, height);
   SvgRect(0, 0, static_cast<float>(width), static_cast<float>(height), back_color);
   const int drawn_width = PaintBarsSvg(symbol.widths, x, y, width);

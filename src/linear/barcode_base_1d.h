@@ -57,6 +57,10 @@ class BarcodeBase1D : public BarcodeBase {
   bool DrawLinearSvg(const std::string& text, int x, int y, int width, int height,
                      const char* log_prefix, const LinearEncoder& encode);
 
+  // Runs `encode`; a failure is written to standard error as `log_prefix` + message.
+  static bool EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
+                             LinearSymbol* symbol);
+
   // Paints bars for `widths` from (x, y), bar_height tall; returns the drawn width.
   int PaintBarsRaster(const std::vector<int32_t>& widths, int x, int y, int box_width);
   int PaintBarsSvg(const std::vector<int32_t>& widths, int x, int y, int box_width);

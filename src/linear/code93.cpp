@@ -1,0 +1,89 @@
+#include "linear/code93.h"
+
+#include <array>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+namespace barcode_orv {
+namespace {
+
+// Value v of a character is its position; the last four stand for the shift
+// characters ($), (%), (/) and (+).
+constexpr std::string_view kAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%<>?!";
+
+// Bar/space widths of values 0..46 (AIM USS Code 93).
+constexpr std::array<const char*, 47> kPatterns = {
+    "131112", "111213", "111312", "111411", "121113", "121212", "121311", "111114", "131211", "141111",
+    "211113", "211212", "211311", "221112", "221211", "231111", "112113", "112212", "112311", "122112",
+    "132111", "111123", "111222", "111321", "121122", "131121", "212112", "212211", "211122", "211221",
+    "221121", "222111", "112122", "112221", "122121", "123111", "121131", "311112", "311211", "321111",
+    "112131", "113121", "211131", "121221", "312111", "311121", "122211",
+};
+static_assert(kAlphabet.size() == kPatterns.size());
+
+constexpr const char* kStart = "111141";
+constexpr const char* kStop = "1111411";  // with the termination bar
+
+int ValueOf(char c) {
+  const size_t pos = kAlphabet.find(c);
+  if (pos == std::string_view::npos) {
+    throw std::runtime_error(std::string("Invalid character in CODE93: ") + c);
+  }
+  return static_cast<int>(pos);
+}
+
+void AppendPattern(const char* pattern, std::vector<int32_t>& widths) {
+  for (const char* p = pattern; *p != '\0'; ++p) widths.push_back(*p - '0');
+}
+
+}  // namespace
+
+namespace internal {
+
+int GetModulus47(const std::string& text, int max_weight) {
+  if (max_weight < 1) throw std::invalid_argument("GetModulus47: max_weight must be positive");
+  const size_t n = text.size();
+  int64_t sum = 0;
+  for (size_t i = 0; i < n; ++i) {
+    const int value = ValueOf(text[i]);
+    const int64_t weight = static_cast<int64_t>((n - 1 - i) % static_cast<size_t>(max_weight)) + 1;
+    sum = (sum + value * weight) % 47;
+  }
+  return static_cast<int>(sum);
+}
+
+std::vector<int32_t> EncodeCode93(const std::string& text) {
+  if (text.empty()) throw std::runtime_error("Empty string");
+  for (char c : text) ValueOf(c);
+  const int c_check = GetModulus47(text, 20);
+  const int k_check = GetModulus47(text + kAlphabet[static_cast<size_t>(c_check)], 15);
+
+  std::vector<int32_t> widths;
+  widths.reserve((text.size() + 4) * 6 + 1);
+  AppendPattern(kStart, widths);
+  for (char c : text) AppendPattern(kPatterns[static_cast<size_t>(ValueOf(c))], widths);
+  AppendPattern(kPatterns[static_cast<size_t>(c_check)], widths);
+  AppendPattern(kPatterns[static_cast<size_t>(k_check)], widths);
+  AppendPattern(kStop, widths);
+  return widths;
+}
+
+}  // namespace internal
+
+Code93::Code93(std::string output_format) : BarcodeBase1D(std::move(output_format)) {}
+
+std::vector<int32_t> Code93::EncodeCode93(const std::string& text) { return internal::EncodeCode93(text); }
+
+BarcodeBase1D::LinearSymbol Code93::Encode(const std::string& text) { return LinearSymbol{EncodeCode93(text), text}; }
+
+bool Code93::Draw(const std::string& text, int x, int y, int width, int height) {
+  if (IsSvgOutput()) return DrawSvg(text, x, y, width, height);
+  return DrawLinearRaster(text, x, y, width, height, "[Code93] ", [this](const std::string& t) { return Encode(t); });
+}
+
+bool Code93::DrawSvg(const std::string& text, int x, int y, int width, int height) {
+  return DrawLinearSvg(text, x, y, width, height, "[Code93] ", [this](const std::string& t) { return Encode(t); });
+}
+
+}  // namespace barcode_orv

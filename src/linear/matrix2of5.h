@@ -1,0 +1,38 @@
+// Matrix 2 of 5 and the 2-of-5 matrix encoder it shares with NEC 2 of 5.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "linear/barcode_base_1d.h"
+
+namespace barcode_orv {
+
+namespace internal {
+
+// Element widths (bar first) of the 2-of-5 matrix symbol: start, the digits with a
+// narrow space between them, stop. A non-digit throws `numeric_error`.
+std::vector<int32_t> EncodeTwoOfFiveMatrix(const std::string& text, float ratio, const char* numeric_error);
+std::vector<int32_t> EncodeMatrix2of5(const std::string& text, float ratio);
+
+}  // namespace internal
+
+class Matrix2of5 : public BarcodeBase1D {
+ public:
+  explicit Matrix2of5(std::string output_format);
+
+  void SetRatio(float ratio) { ratio_ = ratio; }
+  float GetRatio() const { return ratio_; }
+
+  bool Draw(const std::string& text, int x, int y, int width, int height) override;
+  bool DrawSvg(const std::string& text, int x, int y, int width, int height) override;
+  std::vector<int32_t> EncodeMatrix2of5(const std::string& text) const;
+
+ private:
+  LinearSymbol Encode(const std::string& text) const;
+
+  float ratio_ = 1.0F;
+};
+
+}  // namespace barcode_orv
