@@ -1,0 +1,31 @@
+// Maps a symbology type number to its class.
+#include <memory>
+
+#include "api/ffi_internal.h"
+#include "linear/code128.h"
+#include "linear/code39.h"
+#include "linear/code93.h"
+#include "linear/itf.h"
+#include "linear/matrix2of5.h"
+#include "linear/nec2of5.h"
+#include "linear/nw7.h"
+#include "twod/qr.h"
+
+namespace barcode_orv::ffi {
+
+std::unique_ptr<BarcodeBase> MakeSymbology(int type) {
+  const std::string format = "png";
+  switch (type) {
+    case BARCODE_CODE39: return std::make_unique<Code39>(format);
+    case BARCODE_CODE93: return std::make_unique<Code93>(format);
+    case BARCODE_CODE128: return std::make_unique<Code128>(format);
+    case BARCODE_NW7: return std::make_unique<NW7>(format);
+    case BARCODE_MATRIX2OF5: return std::make_unique<Matrix2of5>(format);
+    case BARCODE_NEC2OF5: return std::make_unique<NEC2of5>(format);
+    case BARCODE_ITF: return std::make_unique<ITF>(format);
+    case BARCODE_QR: return std::make_unique<QR>(format);
+    default: return nullptr;  // not provided by this build
+  }
+}
+
+}  // namespace barcode_orv::ffi

@@ -1,0 +1,316 @@
+// QR Code encoder: bit stream, version choice, error correction, mask scoring, and
+// decode round trips through an independent reader for every version and level.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "support/zxing_decode.h"
+#include "twod/qr_encoder.h"
+
+namespace barcode_orv::qr_internal {
+namespace {
+
+using testing::DecodeRgba;
+using testing::RenderModules;
+using testing::Symbology;
+
+std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
+
+std::vector<std::vector<bool>> ByColumn(const ModuleMatrix& matrix) {
+  std::vector<std::vector<bool>> columns(matrix.side(), std::vector<bool>(matrix.side()));
+  for (int col = 0; col < matrix.side(); ++col) {
+    for (int row = 0; row < matrix.side(); ++row) columns[col][row] = matrix.dark(col, row);
+  }
+  return columns;
+}
+
+struct Encoded {
+  ModuleMatrix matrix;
+  int version = 0;
+  int mode_indicator = 0;
+};
+
+Encoded Encode(const std::vector<uint8_t>& data, const std::string& mode, int level, int requested = 0) {
+  QRJam jam;
+  jam.SetModeString(mode);
+  jam.SetErrorCorrectionIndex(level);
+  jam.SetRequestedVersion(requested);
+  Encoded out;
+  out.matrix = jam.QRGetData(data);
+  out.version = jam.chosen_version();
+  out.mode_indicator = jam.mode_indicator();
+  return out;
+}
+
+std::string DecodeMatrix(const ModuleMatrix& matrix) {
+  // Three pixels a module: the reader misses version 40 at two.
+  const testing::Decoded decoded = DecodeRgba(RenderModules(ByColumn(matrix), 3), Symbology::kQRCode, 12);
+  EXPECT_TRUE(decoded.ok);
+  return decoded.bytes;
+}
+
+// ---- Bit stream ----
+
+// ISO/IEC 18004 worked example: "01234567" at 1-M.
+TEST(QrBitStream, StandardExampleCodewords) {
+  const std::vector<uint8_t> data = QRCodeGet8BitData(BuildSegment(Bytes("01234567"), true), 16);
+  const std::vector<uint8_t> expected_data = {0x10, 0x20, 0x0C, 0x56, 0x61, 0x80, 0xEC, 0x11,
+                                              0xEC, 0x11, 0xEC, 0x11, 0xEC, 0x11, 0xEC, 0x11};
+  EXPECT_EQ(data, expected_data);
+  const std::vector<uint8_t> expected_ecc = {0xA5, 0x24, 0xD4, 0xC1, 0xED, 0x36, 0xC7, 0x87, 0x2C, 0x55};
+  EXPECT_EQ(QRCodeGetTotalData(data, 10), expected_ecc);
+}
+
+TEST(QrBitStream, TerminatorAndPadding) {
+  struct Case {
+    const char* name;
+    std::vector<BitField> fields;
+    int codewords;
+    std::vector<uint8_t> expected;
+  };
+  const std::vector<Case> cases = {
+      {"byte HELLO: 4-bit terminator then 236/17",
+       {{4, 4}, {5, 8}, {'H', 8}, {'E', 8}, {'L', 8}, {'L', 8}, {'O', 8}},
+       10,
+       {0x40, 0x54, 0x84, 0x54, 0xC4, 0xC4, 0xF0, 236, 17, 236}},
+      {"two bits short: terminator shrinks to two", {{0xFFFF, 16}, {0x3FFF, 14}}, 4, {0xFF, 0xFF, 0xFF, 0xFC}},
+      {"exactly full: no terminator", {{0xFFFF, 16}, {0xFFFF, 16}}, 4, {0xFF, 0xFF, 0xFF, 0xFF}},
+      {"partial byte filled with zeros", {{0x1FFF, 13}}, 4, {0xFF, 0xF8, 0x00, 236}},
+      {"only the low bits of a value count", {{0x1F0, 4}}, 2, {0x00, 236}},
+  };
+  for (const Case& c : cases) EXPECT_EQ(QRCodeGet8BitData(c.fields, c.codewords), c.expected) << c.name;
+}
+
+// ---- Error correction ----
+
+uint8_t GfMul(uint8_t a, uint8_t b) {
+  int product = 0;
+  for (int bit = 7; bit >= 0; --bit) {
+    product = (product << 1) ^ ((product >> 7) * 0x11D);
+    if ((b >> bit) & 1) product ^= a;
+  }
+  return static_cast<uint8_t>(product);
+}
+
+// A codeword block (data then check codewords) is a multiple of the generator, so it
+// vanishes at every root a^0 .. a^(n-1).
+TEST(QrReedSolomon, BlocksVanishAtGeneratorRoots) {
+  std::mt19937 random(7);
+  for (int ecc_count : {7, 10, 13, 15, 16, 17, 18, 20, 22, 24, 26, 28, 30}) {
+    std::vector<uint8_t> block(20 + ecc_count);
+    for (uint8_t& byte : block) byte = static_cast<uint8_t>(random());
+    const std::vector<uint8_t> ecc = QRCodeGetTotalData(block, ecc_count);
+    ASSERT_EQ(static_cast<int>(ecc.size()), ecc_count);
+    block.insert(block.end(), ecc.begin(), ecc.end());
+    uint8_t root = 1;
+    for (int k = 0; k < ecc_count; ++k) {
+      uint8_t value = 0;  // Horner's rule
+      for (uint8_t coefficient : block) value = GfMul(value, root) ^ coefficient;
+      EXPECT_EQ(value, 0) << "ecc " << ecc_count << " root " << k;
+      root = GfMul(root, 2);
+    }
+  }
+}
+
+TEST(QrReedSolomon, ByteXorKeepsLongerTailAndAddsZero) {
+  EXPECT_EQ(QRCodeGetByteData({0x0F, 0xF0, 0xAA}, {0xFF, 0xFF}), (std::vector<uint8_t>{0xF0, 0x0F, 0xAA, 0x00}));
+  EXPECT_EQ(QRCodeGetByteData({0x01}, {0x02, 0x03}), (std::vector<uint8_t>{0x03, 0x03, 0x00}));
+}
+
+// ---- Version choice ----
+
+TEST(QrVersion, SelectionAndRaising) {
+  struct Case {
+    const char* name;
+    std::vector<uint8_t> data;
+    std::string mode;
+    int level;
+    int requested;
+    int version;
+  };
+  const std::vector<Case> cases = {
+      {"numeric 12345678 at M", Bytes("12345678"), "N", kLevelM, 0, 1},
+      {"34 digits fill 1-M", std::vector<uint8_t>(34, '5'), "N", kLevelM, 0, 1},
+      {"35 digits need 2-M", std::vector<uint8_t>(35, '5'), "N", kLevelM, 0, 2},
+      {"HELLO in mode A at M", Bytes("HELLO"), "A", kLevelM, 0, 1},
+      {"40 bytes at H, version 1 requested, raised", std::vector<uint8_t>(40, 'x'), "B", kLevelH, 1, 5},
+      {"larger requested version is kept", Bytes("HELLO"), "B", kLevelM, 12, 12},
+      {"230 bytes at L: version 9", std::vector<uint8_t>(230, 'x'), "B", kLevelL, 0, 9},
+      {"231 bytes at L: version 10", std::vector<uint8_t>(231, 'x'), "B", kLevelL, 0, 10},
+      // 272 bytes fit version 10 with an 8-bit count, but version 10 needs 16 bits.
+      {"271 bytes at L: version 10", std::vector<uint8_t>(271, 'x'), "B", kLevelL, 0, 10},
+      {"272 bytes at L: count growth pushes to 11", std::vector<uint8_t>(272, 'x'), "B", kLevelL, 0, 11},
+      {"2953 bytes at L: version 40", std::vector<uint8_t>(2953, 'x'), "B", kLevelL, 0, 40},
+  };
+  for (const Case& c : cases) {
+    const Encoded encoded = Encode(c.data, c.mode, c.level, c.requested);
+    EXPECT_EQ(encoded.version, c.version) << c.name;
+    EXPECT_EQ(encoded.matrix.side(), SideForVersion(c.version)) << c.name;
+    EXPECT_EQ(encoded.mode_indicator, c.mode == "N" ? 1 : 4) << c.name;
+  }
+}
+
+TEST(QrVersion, TooLongForVersion40Throws) {
+  QRJam jam;
+  jam.SetErrorCorrectionIndex(kLevelL);
+  jam.qrcode_write_barcode(Bytes("seed"));
+  ASSERT_GT(jam.chosen_version(), 0);
+  try {
+    jam.qrcode_write_barcode(std::vector<uint8_t>(2954, 'x'));
+    FAIL() << "no exception";
+  } catch (const QRCapacityError& error) {
+    EXPECT_STREQ(error.what(),
+                 "Data too long for QR Code. Data requires more capacity than Version 40 can provide. "
+                 "Reduce data length or use a lower error correction level.");
+  }
+  EXPECT_EQ(jam.chosen_version(), 0);
+  // A caller that only knows std::runtime_error still catches it.
+  QRJam high;
+  high.SetErrorCorrectionIndex(kLevelH);
+  EXPECT_THROW(high.QRGetData(std::vector<uint8_t>(1274, '7')), std::runtime_error);
+  high.SetModeString("N");  // the same length as digits fits (version 25)
+  EXPECT_EQ(high.QRGetData(std::vector<uint8_t>(1274, '7')).side(), SideForVersion(25));
+}
+
+TEST(QrVersion, EmptyPayloadLeavesNoMatrix) {
+  QRJam jam;
+  jam.qrcode_write_barcode(Bytes("abc"));
+  EXPECT_FALSE(jam.matrix().empty());
+  jam.qrcode_write_barcode({});
+  EXPECT_TRUE(jam.matrix().empty());
+}
+
+// ---- Mask scoring ----
+
+// Every mask sees the same picture: '#' dark, '.' light.
+MaskCandidates Uniform(const std::vector<std::string>& rows, int data_modules) {
+  MaskCandidates candidates(static_cast<int>(rows.size()), data_modules);
+  for (size_t row = 0; row < rows.size(); ++row) {
+    for (size_t col = 0; col < rows.size(); ++col) {
+      candidates.set(static_cast<int>(col), static_cast<int>(row), rows[row][col] == '#' ? 0xFF : 0x00);
+    }
+  }
+  return candidates;
+}
+
+TEST(QrMask, PenaltyRules) {
+  struct Case {
+    const char* name;
+    std::vector<std::string> rows;
+    int data_modules;
+    int penalty;
+  };
+  const std::vector<Case> cases = {
+      // 10 runs of 5 (30), 16 blocks (48), nothing dark (90).
+      {"all light 5x5", {".....", ".....", ".....", ".....", "....."}, 25, 168},
+      // 16 runs of 8 (16 x 6), 49 blocks (147), nothing dark (90).
+      {"all light 8x8", std::vector<std::string>(8, "........"), 64, 333},
+      // Balance uses the data-area size given, not the matrix: 25 of 100 dark is step 5.
+      {"all dark 5x5 in a larger data area", std::vector<std::string>(5, "#####"), 100, 30 + 48 + 40},
+      {"checkerboard: nothing but an even balance",
+       {"#.#.#.", ".#.#.#", "#.#.#.", ".#.#.#", "#.#.#.", ".#.#.#"}, 36, 0},
+      // The bare 1011101 row scores 40 without light margins; besides it six light rows
+      // (30), light columns 1 and 5 (10), 24 light blocks (72) and 5 of 49 dark (70).
+      {"finder-like row without margins",
+       {".......", ".......", ".......", "#.###.#", ".......", ".......", "......."}, 49,
+       30 + 10 + 3 * 24 + 40 + 70},
+  };
+  for (const Case& c : cases) {
+    const std::array<int, kMaskCount> penalties = MaskPenalties(Uniform(c.rows, c.data_modules));
+    for (int mask = 0; mask < kMaskCount; ++mask) EXPECT_EQ(penalties[mask], c.penalty) << c.name;
+  }
+}
+
+// A 6x6 checkerboard (penalty 0) for the masks in `best`, a checkerboard with two
+// flipped modules forming a dark 2x2 block (penalty 13) for those in `runner_up`, all
+// light (penalty 213) for the rest.
+MaskCandidates Contest(uint8_t best, uint8_t runner_up) {
+  MaskCandidates candidates(6, 36);
+  for (int row = 0; row < 6; ++row) {
+    for (int col = 0; col < 6; ++col) {
+      const bool checker = (row + col) % 2 == 0;
+      const bool flipped = (row == 0 && col == 1) || (row == 1 && col == 0);
+      uint8_t bits = checker ? best : 0;
+      if (checker != flipped) bits |= runner_up;
+      candidates.set(col, row, bits);
+    }
+  }
+  return candidates;
+}
+
+TEST(QrMask, LowestPenaltyWinsAndTiesGoToLowerNumber) {
+  struct Case {
+    uint8_t best;
+    uint8_t runner_up;
+    int chosen;
+  };
+  const Case cases[] = {
+      {0b00101000, 0, 3},           // masks 3 and 5 tie
+      {0b10000001, 0, 0},           // masks 0 and 7 tie
+      {0b11000000, 0, 6},           // masks 6 and 7 tie
+      {0b10000000, 0, 7},           // a single best mask
+      {0b00000100, 0b00000010, 2},  // a better higher mask beats a worse lower one
+      {0, 0, 0},                    // everything equal
+  };
+  for (const Case& c : cases) EXPECT_EQ(QRCodeChooseMaskNumber(Contest(c.best, c.runner_up)), c.chosen) << int(c.best);
+}
+
+// ---- Round trips through an independent reader ----
+
+int CountBits(bool numeric, int version) { return (numeric ? 10 : 8) + CountFieldGrowth(numeric, version); }
+
+// The most bytes (or digits) that version `version` holds at `level`.
+int MaxPayload(bool numeric, int version, int level) {
+  const int room = DataCapacityBits(version, level) - 4 - CountBits(numeric, version);
+  if (!numeric) return room / 8;
+  const int partial[3] = {0, 4, 7};
+  int digits = room / 10 * 3;
+  for (int extra = 2; extra >= 1; --extra) {
+    if (room % 10 >= partial[extra]) {
+      digits += extra;
+      break;
+    }
+  }
+  return digits;
+}
+
+std::vector<uint8_t> RandomPayload(std::mt19937& random, int length, bool numeric) {
+  std::vector<uint8_t> payload(length);
+  for (uint8_t& byte : payload) byte = static_cast<uint8_t>(numeric ? '0' + random() % 10 : random());
+  return payload;
+}
+
+// Byte mode fills each version to the last byte; numeric mode uses the smallest payload
+// that still needs the version, so padding runs across many blocks.
+TEST(QrRoundTrip, EveryVersionAndLevel) {
+  std::mt19937 random(2024);
+  for (int level = kLevelL; level <= kLevelH; ++level) {
+    for (int version = kMinVersion; version <= kMaxVersion; ++version) {
+      for (bool numeric : {false, true}) {
+        const int length = numeric ? (version == 1 ? 1 : MaxPayload(true, version - 1, level) + 1)
+                                   : MaxPayload(false, version, level);
+        const std::vector<uint8_t> payload = RandomPayload(random, length, numeric);
+        const Encoded encoded = Encode(payload, numeric ? "N" : "B", level);
+        ASSERT_EQ(encoded.version, version) << "level " << level << (numeric ? " numeric" : " byte");
+        const std::string decoded = DecodeMatrix(encoded.matrix);
+        ASSERT_EQ(decoded, std::string(payload.begin(), payload.end()))
+            << "version " << version << " level " << level << (numeric ? " numeric" : " byte");
+      }
+    }
+  }
+}
+
+TEST(QrRoundTrip, AlphanumericAndKanjiSettingsCarryBytes) {
+  for (const char* mode : {"A", "K", "B", "x"}) {
+    const std::vector<uint8_t> payload = Bytes("hello, \x82\xa0 world");
+    const Encoded encoded = Encode(payload, mode, kLevelM);
+    EXPECT_EQ(encoded.mode_indicator, 4) << mode;
+    EXPECT_EQ(DecodeMatrix(encoded.matrix), std::string(payload.begin(), payload.end())) << mode;
+  }
+}
+
+}  // namespace
+}  // namespace barcode_orv::qr_internal

@@ -1,0 +1,206 @@
+// Text to payload bytes for the 2D symbologies: the encoding setting, the iconv
+// conversion, the UTF-8 check and the two Shift_JIS heuristics, and the Draw routing.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "twod/barcode_base_2d.h"
+
+namespace barcode_orv {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+std::string Text(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+
+const Bytes kHiraganaAUtf8 = {0xE3, 0x81, 0x82};
+const Bytes kHiraganaASjis = {0x82, 0xA0};
+const Bytes kNihonUtf8 = {0xE6, 0x97, 0xA5, 0xE6, 0x9C, 0xAC};  // 日本
+const Bytes kNihonSjis = {0x93, 0xFA, 0x96, 0x7B};
+const Bytes kEAcuteUtf8 = {0xC3, 0xA9};                        // é, not in Shift_JIS
+const Bytes kTimesUtf8 = {0xC3, 0x97};                         // ×
+const Bytes kTimesSjis = {0x81, 0x7E};
+
+TEST(ConvertStringToBytes, EverySpellingOfTheSetting) {
+  struct Case {
+    const char* setting;
+    Bytes text;
+    Bytes expected;
+  };
+  const std::vector<Case> cases = {
+      // The UTF-8 spellings: valid UTF-8 passes, anything else is read as Shift_JIS.
+      {"utf-8", kHiraganaAUtf8, kHiraganaAUtf8},
+      {"UTF-8", kHiraganaAUtf8, kHiraganaAUtf8},
+      {"utf-8", kHiraganaASjis, kHiraganaAUtf8},
+      {"UTF-8", kHiraganaASjis, kHiraganaAUtf8},
+      {"UTF-8", kNihonSjis, kNihonUtf8},
+      // The Shift_JIS spellings: valid UTF-8 is converted, anything else passes.
+      {"shift-jis", kHiraganaAUtf8, kHiraganaASjis},
+      {"Shift-JIS", kHiraganaAUtf8, kHiraganaASjis},
+      {"shift_jis", kHiraganaAUtf8, kHiraganaASjis},
+      {"shift_jis", kNihonUtf8, kNihonSjis},
+      {"shift-jis", kTimesUtf8, kTimesSjis},
+      {"Shift-JIS", kHiraganaASjis, kHiraganaASjis},
+      {"shift-jis", {'A', 'B', '1'}, {'A', 'B', '1'}},  // ASCII through iconv, unchanged
+      // Unrecognised spellings act as UTF-8.
+      {"SHIFT_JIS", kHiraganaAUtf8, kHiraganaAUtf8},
+      {"SHIFT_JIS", kHiraganaASjis, kHiraganaAUtf8},
+      {"sjis", kHiraganaAUtf8, kHiraganaAUtf8},
+      {"utf8", kHiraganaASjis, kHiraganaAUtf8},
+      {"", kNihonSjis, kNihonUtf8},
+      // Failed conversions give an empty payload, never a partial one.
+      {"utf-8", {0x82}, {}},
+      {"UTF-8", {'o', 'k', 0x82}, {}},
+      {"shift-jis", kEAcuteUtf8, {}},
+      {"shift_jis", {'a', 0xF0, 0x9F, 0x98, 0x80}, {}},  // an emoji has no Shift_JIS form
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(BarcodeBase2D::ConvertStringToBytes(Text(c.text), c.setting), c.expected)
+        << "setting '" << c.setting << "', text of " << c.text.size() << " bytes";
+  }
+  for (const char* setting : {"utf-8", "UTF-8", "shift-jis", "Shift-JIS", "shift_jis", "other"}) {
+    EXPECT_TRUE(BarcodeBase2D::ConvertStringToBytes("", setting).empty()) << setting;
+  }
+}
+
+TEST(ConvertEncoding, UnknownCodeGivesEmpty) {
+  EXPECT_TRUE(BarcodeBase2D::ConvertEncoding("abc", "utf-8", "no-such-code").empty());
+  EXPECT_TRUE(BarcodeBase2D::ConvertEncoding("abc", "no-such-code", "utf-8").empty());
+  EXPECT_EQ(BarcodeBase2D::ConvertEncoding(Text(kNihonSjis), "shift-jis", "utf-8"), kNihonUtf8);
+}
+
+TEST(IsValidUtf8, StructuralCheckOnly) {
+  struct Case {
+    Bytes text;
+    bool valid;
+  };
+  const std::vector<Case> cases = {
+      {{}, true},
+      {{'a', 'b', 'c'}, true},
+      {kEAcuteUtf8, true},
+      {kHiraganaAUtf8, true},
+      {{0xF0, 0x9F, 0x98, 0x80}, true},
+      {{0xC0, 0x80}, true},              // overlong form passes
+      {{0xED, 0xA0, 0x80}, true},        // surrogate passes
+      {{0xF5, 0x80, 0x80, 0x80}, true},  // beyond U+10FFFF passes
+      {{0xE3, 0x81}, false},             // truncated
+      {{0xC3}, false},
+      {{0xC3, 0x41}, false},  // bad continuation
+      {{0x80}, false},        // continuation at a lead position
+      {{0xF8, 0x80, 0x80, 0x80, 0x80}, false},
+      {kHiraganaASjis, false},
+  };
+  for (const Case& c : cases) EXPECT_EQ(BarcodeBase2D::IsValidUtf8(Text(c.text)), c.valid) << ::testing::PrintToString(c.text);
+}
+
+TEST(IsShiftJIS, AsymmetricHeuristic) {
+  struct Case {
+    Bytes text;
+    bool shift_jis;
+  };
+  const std::vector<Case> cases = {
+      {{}, false},
+      {{'a', 'b', 'c'}, false},  // ASCII alone finds no pair
+      {{0xA5}, true},            // half-width katakana
+      {kEAcuteUtf8, false},      // a complete two-byte UTF-8 sequence
+      {kHiraganaAUtf8, true},    // E3 81 taken as a pair, then a lone 82
+      {kHiraganaASjis, true},
+      {{'a', 0x82, 0xA0, 'b'}, true},
+      {{0x82, 0xA0, 0xC3, 0xA9}, false},  // a pair, then UTF-8 decides
+      {{0xC3}, true},                     // 110xxxxx as the last byte
+      {{0xC3, 0x41}, true},               // 110xxxxx without a continuation
+      {{0x81}, true},                     // lead byte with no trail
+      {{0x81, 0x7F}, true},               // trail out of range
+      {{0xE5, 0x20}, true},
+      {{0xFD, 0x41}, true},  // neither lead nor UTF-8
+  };
+  for (const Case& c : cases) EXPECT_EQ(BarcodeBase2D::IsShiftJIS(Text(c.text)), c.shift_jis) << ::testing::PrintToString(c.text);
+}
+
+TEST(DetectEncoding, OnlyTwoByteUtf8CountsAsUtf8) {
+  struct Case {
+    Bytes text;
+    const char* encoding;
+  };
+  const std::vector<Case> cases = {
+      {{}, "utf-8"},
+      {{'a', 'b'}, "utf-8"},
+      {kEAcuteUtf8, "utf-8"},
+      {kHiraganaAUtf8, "shift-jis"},  // three-byte UTF-8 reads as Shift_JIS
+      {kHiraganaASjis, "shift-jis"},
+      {{0xC3}, "shift-jis"},
+      {{'x', 0xC3, 0xA9, 0xE3, 0x81, 0x82}, "utf-8"},  // only the first non-ASCII byte decides
+      {{0xE3, 0x81, 0x82, 0xC3, 0xA9}, "shift-jis"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(BarcodeBase2D::DetectEncoding(Text(c.text)), c.encoding) << ::testing::PrintToString(c.text);
+}
+
+TEST(DirectConversions, FollowTheHeuristic) {
+  struct Case {
+    const char* name;
+    Bytes (*convert)(const std::string&);
+    Bytes text;
+    Bytes expected;
+  };
+  const std::vector<Case> cases = {
+      {"ConvertToUtf8 of Shift_JIS", BarcodeBase2D::ConvertToUtf8, kHiraganaASjis, kHiraganaAUtf8},
+      {"ConvertToUtf8 of ASCII", BarcodeBase2D::ConvertToUtf8, {'a', 'b'}, {'a', 'b'}},
+      {"ConvertToUtf8 of é passes", BarcodeBase2D::ConvertToUtf8, kEAcuteUtf8, kEAcuteUtf8},
+      // UTF-8 kana scan as Shift_JIS and then fail as Shift_JIS.
+      {"ConvertToUtf8 of UTF-8 kana", BarcodeBase2D::ConvertToUtf8, kHiraganaAUtf8, {}},
+      {"ConvertToSJis of UTF-8", BarcodeBase2D::ConvertToSJis, kTimesUtf8, kTimesSjis},
+      {"ConvertToSJis of UTF-8 kana passes", BarcodeBase2D::ConvertToSJis, kHiraganaAUtf8, kHiraganaAUtf8},
+      {"ConvertToSJis of é fails", BarcodeBase2D::ConvertToSJis, kEAcuteUtf8, {}},
+      {"convertUTF8", BarcodeBase2D::convertUTF8, kHiraganaASjis, kHiraganaASjis},
+      {"convertShiftJIS", BarcodeBase2D::convertShiftJIS, {0x61, 0xC3, 0xA9}, {0x61, 0x3F, 0x3F}},
+      {"convertShiftJIS keeps ASCII", BarcodeBase2D::convertShiftJIS, {0x00, 0x7F}, {0x00, 0x7F}},
+  };
+  for (const Case& c : cases) EXPECT_EQ(c.convert(Text(c.text)), c.expected) << c.name;
+}
+
+// Records what the byte-level Draw receives.
+class RecordingSymbol : public BarcodeBase2D {
+ public:
+  RecordingSymbol() : BarcodeBase2D("png") {}
+  using BarcodeBase2D::Draw;
+  bool Draw(const std::vector<uint8_t>& data, int x, int y, int width, int height) override {
+    received = data;
+    box = {x, y, width, height};
+    return !data.empty();
+  }
+  Bytes received;
+  std::vector<int> box;
+};
+
+TEST(BarcodeBase2DSetting, StoredAsGivenAndUsedByDraw) {
+  RecordingSymbol symbol;
+  EXPECT_EQ(symbol.GetStringEncoding(), "utf-8");
+  symbol.SetStringEncoding(StringEncoding::ShiftJis);
+  EXPECT_EQ(symbol.GetStringEncoding(), "shift-jis");
+  symbol.SetStringEncoding(static_cast<StringEncoding>(7));
+  EXPECT_EQ(symbol.GetStringEncoding(), "utf-8");
+  symbol.SetStringEncoding("Shift-JIS");
+  EXPECT_EQ(symbol.GetStringEncoding(), "Shift-JIS");
+
+  EXPECT_TRUE(symbol.Draw(Text(kHiraganaAUtf8), 1, 2, 30, 40));
+  EXPECT_EQ(symbol.received, kHiraganaASjis);
+  EXPECT_EQ(symbol.box, (std::vector<int>{1, 2, 30, 40}));
+
+  EXPECT_TRUE(symbol.Draw(Text(kNihonUtf8), 3, 4, 50));  // square text form
+  EXPECT_EQ(symbol.received, kNihonSjis);
+  EXPECT_EQ(symbol.box, (std::vector<int>{3, 4, 50, 50}));
+
+  EXPECT_TRUE(symbol.Draw(kHiraganaAUtf8, 5, 6, 70));  // square byte form: no conversion
+  EXPECT_EQ(symbol.received, kHiraganaAUtf8);
+  EXPECT_EQ(symbol.box, (std::vector<int>{5, 6, 70, 70}));
+
+  symbol.SetStringEncoding("utf-8");
+  EXPECT_FALSE(symbol.Draw(std::string("\x82"), 0, 0, 10, 10));  // failed conversion: empty payload
+  EXPECT_TRUE(symbol.received.empty());
+  EXPECT_EQ(symbol.GetStringEncoding(), "utf-8");
+}
+
+}  // namespace
+}  // namespace barcode_orv
