@@ -75,8 +75,8 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
                                          in.ConsumeIntegral<int>()); break;
     case 2: barcode_set_background_color(handle, number, in.ConsumeIntegral<int>(), in.ConsumeIntegral<int>(),
                                          in.ConsumeIntegral<int>()); break;
-    case 3: barcode_set_px_adjust_black(handle, in.ConsumeIntegralInRange(-20, 20)); break;
-    case 4: barcode_set_px_adjust_white(handle, in.ConsumeIntegralInRange(-20, 20)); break;
+    case 3: barcode_set_px_adjust_black(handle, in.ConsumeBool() ? number : in.ConsumeIntegralInRange(-20, 20)); break;
+    case 4: barcode_set_px_adjust_white(handle, in.ConsumeBool() ? number : in.ConsumeIntegralInRange(-20, 20)); break;
     case 5: barcode_set_fit_width(handle, number); break;
     case 6: barcode_set_show_text(handle, number); break;
     case 7: barcode_set_text_font_scale(handle, Scale(in)); break;

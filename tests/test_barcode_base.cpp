@@ -94,6 +94,14 @@ TEST(PngEncoderTest, MoreThan256ColoursFallBackToRgba) {
   ExpectSamePixels(surface.get(), png);
 }
 
+TEST(PngEncoderTest, EmptyCanvasGivesNoBytes) {
+  for (const auto& [width, height] : {std::pair{0, 10}, std::pair{10, 0}, std::pair{0, 0}}) {
+    SurfacePtr surface = MakeSurface(width, height);
+    ASSERT_NE(surface, nullptr);
+    EXPECT_TRUE(EncodeSurfacePng(surface.get()).empty()) << width << "x" << height;
+  }
+}
+
 // Exposes the canvas of a real draw.
 class InspectableCode39 : public Code39 {
  public:

@@ -103,17 +103,36 @@ void BarcodeBase::ClearCanvas(SDL_Color color) {
 }
 
 void BarcodeBase::FillRectF(float x, float y, float width, float height, SDL_Color color) {
-  if (!renderer_) return;
-  SDL_SetRenderDrawColor(renderer_.get(), color.r, color.g, color.b, color.a);
   // The software renderer truncates position and size separately, which thins every
   // fractional bar by up to a pixel in favour of the spaces. Snapping both edges to the
   // nearest pixel keeps bars and spaces unbiased (and keeps at least one pixel).
-  const float left = std::round(x);
-  const float top = std::round(y);
-  const float snapped_width = std::max(std::round(x + width) - left, 1.0F);
-  const float snapped_height = std::max(std::round(y + height) - top, 1.0F);
-  const SDL_FRect rect{left, top, snapped_width, snapped_height};
-  SDL_RenderFillRectF(renderer_.get(), &rect);
+  const double left = std::round(static_cast<double>(x));
+  const double top = std::round(static_cast<double>(y));
+  const double right = std::max(std::round(static_cast<double>(x) + width), left + 1.0);
+  const double bottom = std::max(std::round(static_cast<double>(y) + height), top + 1.0);
+  FillClipped(left, top, right, bottom, color);
+}
+
+void BarcodeBase::FillRect(int x, int y, int width, int height, SDL_Color color) {
+  if (width <= 0 || height <= 0) return;
+  FillClipped(x, y, static_cast<double>(x) + width, static_cast<double>(y) + height, color);
+}
+
+void BarcodeBase::FillClipped(double left, double top, double right, double bottom, SDL_Color color) {
+  if (!renderer_ || !surface_) return;
+  // Clip to the canvas here: coordinates far outside it (huge pixel adjustments) would
+  // overflow the renderer's own integer arithmetic.
+  const double canvas_w = surface_->w;
+  const double canvas_h = surface_->h;
+  left = std::clamp(left, 0.0, canvas_w);
+  right = std::clamp(right, 0.0, canvas_w);
+  top = std::clamp(top, 0.0, canvas_h);
+  bottom = std::clamp(bottom, 0.0, canvas_h);
+  if (!(right > left) || !(bottom > top)) return;  // also false for NaN
+  SDL_SetRenderDrawColor(renderer_.get(), color.r, color.g, color.b, color.a);
+  const SDL_Rect rect{static_cast<int>(left), static_cast<int>(top), static_cast<int>(right - left),
+                      static_cast<int>(bottom - top)};
+  SDL_RenderFillRect(renderer_.get(), &rect);
 }
 
 std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {

@@ -78,8 +78,10 @@ class BarcodeBase : public IBarcodeSymbology {
 
   SDL_Renderer* canvas_renderer() const { return renderer_.get(); }
   SDL_Surface* canvas_surface() const { return surface_.get(); }
-  // Fills a rectangle on the canvas renderer (no-op without one).
+  // Fills a rectangle on the canvas (no-op without one). Fractional edges are snapped
+  // to the nearest pixel; everything is clipped to the canvas.
   void FillRectF(float x, float y, float width, float height, SDL_Color color);
+  void FillRect(int x, int y, int width, int height, SDL_Color color);
   void ClearCanvas(SDL_Color color);
 
   // SVG document builder.
@@ -102,6 +104,7 @@ class BarcodeBase : public IBarcodeSymbology {
 
  private:
   void ReleaseCanvas();
+  void FillClipped(double left, double top, double right, double bottom, SDL_Color color);
   void AppendFixed(double value);
 
   std::string output_format_;

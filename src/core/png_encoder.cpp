@@ -152,6 +152,12 @@ std::vector<uint8_t> SavePng(SDL_Surface* surface) {
 
 std::vector<uint8_t> EncodeSurfacePng(SDL_Surface* surface) {
   if (surface == nullptr) return {};
+  // PNG has no empty images; libpng would reject the header only after SDL_image has
+  // allocated its palette, which it then leaks.
+  if (surface->w <= 0 || surface->h <= 0) {
+    SDL_SetError("a PNG image needs at least one pixel, the canvas is %dx%d", surface->w, surface->h);
+    return {};
+  }
   if (SurfacePtr indexed = IndexedCopy(surface)) {
     std::vector<uint8_t> png = SavePng(indexed.get());
     if (!png.empty()) return png;

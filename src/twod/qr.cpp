@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
@@ -30,6 +31,13 @@ std::vector<int> RoundedEdges(int origin, float module_size, int modules) {
     edges[i] = origin + static_cast<int>(std::lround(module_size * static_cast<float>(i)));
   }
   return edges;
+}
+
+// Width of a module between two edges after the dark-module adjustment, computed wide
+// so that any adjustment a caller passes stays well defined.
+int AdjustedExtent(int from, int to, int adjust) {
+  const int64_t extent = int64_t{to} - from + adjust;
+  return static_cast<int>(std::clamp<int64_t>(extent, INT32_MIN, INT32_MAX));
 }
 
 std::vector<float> FractionEdges(int extent, int modules) {
@@ -120,8 +128,7 @@ bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int hei
   if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
 
   log::Progress("--- QR::Draw 開始 ---");
-  SDL_Renderer* renderer = PrepareCanvas(x, y, width, height);
-  if (renderer == nullptr) return false;
+  if (PrepareCanvas(x, y, width, height) == nullptr) return false;
   // The canvas is exactly the requested size, so the box becomes the whole canvas.
   const SDL_Surface* surface = canvas_surface();
   x = 0;
@@ -137,22 +144,18 @@ bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int hei
   const int side = matrix.side();
   LogMatrix(matrix);
 
-  const SDL_Rect box{x, y, width, height};
-  SDL_SetRenderDrawColor(renderer, back_color.r, back_color.g, back_color.b, back_color.a);
-  SDL_RenderFillRect(renderer, &box);
+  FillRect(x, y, width, height, back_color);
 
   const std::vector<int> col_edges = RoundedEdges(x, RasterModuleSize(width, side, fit_width), side);
   const std::vector<int> row_edges = RoundedEdges(y, RasterModuleSize(height, side, fit_width), side);
-  SDL_SetRenderDrawColor(renderer, fore_color.r, fore_color.g, fore_color.b, fore_color.a);
   for (int row = 0; row < side; ++row) {
-    const int module_height = row_edges[row + 1] - row_edges[row] + px_adjust_black;
+    const int module_height = AdjustedExtent(row_edges[row], row_edges[row + 1], px_adjust_black);
     if (module_height < 1) continue;
     for (int col = 0; col < side; ++col) {
       if (!matrix.dark(col, row)) continue;
-      const int module_width = col_edges[col + 1] - col_edges[col] + px_adjust_black;
+      const int module_width = AdjustedExtent(col_edges[col], col_edges[col + 1], px_adjust_black);
       if (module_width < 1) continue;
-      const SDL_Rect module{col_edges[col], row_edges[row], module_width, module_height};
-      SDL_RenderFillRect(renderer, &module);
+      FillRect(col_edges[col], row_edges[row], module_width, module_height, fore_color);
     }
   }
   log::Progress("--- QR::Draw 終了 (成功) ---");
