@@ -5,21 +5,18 @@
 #include <string>
 
 #include "barcode_ffi.h"
+#include "support/c_api.h"
 #include "support/png_image.h"
 
 namespace {
 
-struct HandleDeleter {
-  void operator()(BarcodeHandle* handle) const { barcode_destroy(handle); }
-};
-using Handle = std::unique_ptr<BarcodeHandle, HandleDeleter>;
+using Handle = barcode_orv::testing::HandlePtr;
 
-Handle Code39Handle() { return Handle(barcode_create(BARCODE_CODE39)); }
+Handle Code39Handle() { return barcode_orv::testing::MakeHandle(BARCODE_CODE39); }
 
 std::string Png(BarcodeHandle* handle) {
-  uint32_t size = 0;
-  const uint8_t* data = barcode_get_image_data(handle, &size);
-  return data == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(data), size);
+  const std::vector<uint8_t> png = barcode_orv::testing::ImageData(handle);
+  return std::string(png.begin(), png.end());
 }
 
 TEST(CApiTest, CreateAcceptsOnlyKnownTypes) {

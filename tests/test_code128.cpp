@@ -15,6 +15,7 @@
 #include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "linear/code128.h"
+#include "support/c_api.h"
 #include "support/zxing_decode.h"
 
 namespace barcode_orv {
@@ -244,11 +245,7 @@ void ExpectRoundTrip(const char* mode, const std::string& text) {
   barcode_set_show_text(handle.h, 0);
   const Values widths = internal::EncodeCode128(text, handle.Mode());
   ASSERT_EQ(barcode_draw_1d(handle.h, text.c_str(), std::accumulate(widths.begin(), widths.end(), 0) * 2 + 1, 40), 1);
-  uint32_t size = 0;
-  const uint8_t* png = barcode_get_image_data(handle.h, &size);
-  ASSERT_NE(png, nullptr);
-  const testing::Decoded decoded =
-      testing::DecodePngBarcode(std::vector<uint8_t>(png, png + size), testing::Symbology::kCode128);
+  const testing::Decoded decoded = testing::DecodeHandle(handle.h, testing::Symbology::kCode128);
   EXPECT_TRUE(decoded.ok && decoded.text == text) << mode << " text: " << text << " read: " << decoded.text;
 }
 

@@ -8,6 +8,7 @@
 
 #include "barcode_ffi.h"
 #include "linear/code39.h"
+#include "support/c_api.h"
 #include "support/png_image.h"
 #include "support/zxing_decode.h"
 
@@ -130,17 +131,11 @@ TEST(Code39SvgTest, ShowTextOffGivesFullHeightBarsAndNoText) {
 // ---- Raster output and decoding ----
 
 std::vector<uint8_t> DrawPng(const std::string& text, int width, int height, bool fit_width, bool show_text) {
-  BarcodeHandle* handle = barcode_create(BARCODE_CODE39);
-  barcode_set_fit_width(handle, fit_width ? 1 : 0);
-  barcode_set_show_text(handle, show_text ? 1 : 0);
-  std::vector<uint8_t> png;
-  if (barcode_draw_1d(handle, text.c_str(), width, height) != 0) {
-    uint32_t size = 0;
-    const uint8_t* data = barcode_get_image_data(handle, &size);
-    if (data != nullptr) png.assign(data, data + size);
-  }
-  barcode_destroy(handle);
-  return png;
+  const testing::HandlePtr handle = testing::MakeHandle(BARCODE_CODE39);
+  barcode_set_fit_width(handle.get(), fit_width ? 1 : 0);
+  barcode_set_show_text(handle.get(), show_text ? 1 : 0);
+  if (barcode_draw_1d(handle.get(), text.c_str(), width, height) == 0) return {};
+  return testing::ImageData(handle.get());
 }
 
 TEST(Code39RasterTest, CanvasIsTheBoxAndBarsStartAtTheLeftEdge) {

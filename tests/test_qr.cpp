@@ -14,6 +14,7 @@
 #include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "support/png_image.h"
+#include "support/c_api.h"
 #include "support/zxing_decode.h"
 #include "twod/qr.h"
 
@@ -23,19 +24,12 @@ namespace {
 using qr_internal::ModuleMatrix;
 using testing::RgbaImage;
 
-struct HandleDeleter {
-  void operator()(BarcodeHandle* handle) const { barcode_destroy(handle); }
-};
-using Handle = std::unique_ptr<BarcodeHandle, HandleDeleter>;
+using Handle = testing::HandlePtr;
 
-Handle QrHandle() { return Handle(barcode_create(BARCODE_QR)); }
+Handle QrHandle() { return testing::MakeHandle(BARCODE_QR); }
 QR& QrOf(const Handle& handle) { return dynamic_cast<QR&>(*handle->object); }
 
-std::vector<uint8_t> Png(BarcodeHandle* handle) {
-  uint32_t size = 0;
-  const uint8_t* data = barcode_get_image_data(handle, &size);
-  return data == nullptr ? std::vector<uint8_t>() : std::vector<uint8_t>(data, data + size);
-}
+std::vector<uint8_t> Png(BarcodeHandle* handle) { return testing::ImageData(handle); }
 
 std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
 
