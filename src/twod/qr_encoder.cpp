@@ -641,7 +641,13 @@ std::array<int, kMaskCount> MaskPenalties(const MaskCandidates& candidates) {
       blocks.Drain(block_lanes);
     }
   }
-  for (int col = 0; col < side; ++col) ScoreLine(candidates.row_data(0) + col, side, side, lines);
+  // Columns are scored on a transposed copy: contiguous reads instead of a stride.
+  std::vector<uint8_t> columns(static_cast<size_t>(side) * side);
+  for (int row = 0; row < side; ++row) {
+    const uint8_t* cells = candidates.row_data(row);
+    for (int col = 0; col < side; ++col) columns[static_cast<size_t>(col) * side + row] = cells[col];
+  }
+  for (int col = 0; col < side; ++col) ScoreLine(columns.data() + static_cast<size_t>(col) * side, 1, side, lines);
 
   std::array<int, kMaskCount> penalties{};
   const int data_modules = std::max(candidates.data_modules(), 1);
