@@ -21,9 +21,23 @@ constexpr size_t kMaxText = 400;
 std::string Text(FuzzedDataProvider& in) {
   // Keywords the setters know, so the fuzzer reaches every branch quickly.
   static const char* const kKeywords[] = {
-      "svg", "SVG", "png", "jpg", "jpeg", "PNG", "A", "B", "C", "AUTO", "N", "K", "L", "M", "Q", "H",
-      "NUMERIC", "ALPHANUMERIC", "BYTE", "KANJI", "utf-8", "UTF-8", "shift-jis", "Shift-JIS", "shift_jis",
-      "OMNIDIRECTIONAL", "STACKED", "STACKED_OMNIDIRECTIONAL", "UNSTACKED", "24x24", "C40", "", "12345",
+      "svg",       "SVG",
+      "png",       "jpg",
+      "jpeg",      "PNG",
+      "A",         "B",
+      "C",         "AUTO",
+      "N",         "K",
+      "L",         "M",
+      "Q",         "H",
+      "NUMERIC",   "ALPHANUMERIC",
+      "BYTE",      "KANJI",
+      "utf-8",     "UTF-8",
+      "shift-jis", "Shift-JIS",
+      "shift_jis", "OMNIDIRECTIONAL",
+      "STACKED",   "STACKED_OMNIDIRECTIONAL",
+      "UNSTACKED", "24x24",
+      "C40",       "",
+      "12345",
   };
   if (in.ConsumeBool()) return kKeywords[in.ConsumeIntegralInRange<size_t>(0, std::size(kKeywords) - 1)];
   return in.ConsumeRandomLengthString(kMaxText);
@@ -71,10 +85,14 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
   const int number = in.ConsumeIntegral<int>();
   switch (in.ConsumeIntegralInRange(0, 31)) {
     case 0: barcode_set_output_format(handle, c_text); break;
-    case 1: barcode_set_foreground_color(handle, number, in.ConsumeIntegral<int>(), in.ConsumeIntegral<int>(),
-                                         in.ConsumeIntegral<int>()); break;
-    case 2: barcode_set_background_color(handle, number, in.ConsumeIntegral<int>(), in.ConsumeIntegral<int>(),
-                                         in.ConsumeIntegral<int>()); break;
+    case 1:
+      barcode_set_foreground_color(handle, number, in.ConsumeIntegral<int>(), in.ConsumeIntegral<int>(),
+                                   in.ConsumeIntegral<int>());
+      break;
+    case 2:
+      barcode_set_background_color(handle, number, in.ConsumeIntegral<int>(), in.ConsumeIntegral<int>(),
+                                   in.ConsumeIntegral<int>());
+      break;
     case 3: barcode_set_px_adjust_black(handle, in.ConsumeBool() ? number : in.ConsumeIntegralInRange(-20, 20)); break;
     case 4: barcode_set_px_adjust_white(handle, in.ConsumeBool() ? number : in.ConsumeIntegralInRange(-20, 20)); break;
     case 5: barcode_set_fit_width(handle, number); break;
@@ -116,9 +134,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (int step = 0; step < steps && in.remaining_bytes() > 0; ++step) {
     BarcodeHandle* target = in.ConsumeIntegralInRange(0, 40) == 0 ? nullptr : handle;
     switch (in.ConsumeIntegralInRange(0, 3)) {
-      case 0:
-        try {
-          (void)Draw(target, in);
+      case 0: try { (void)Draw(target, in);
         } catch (const barcode_orv::SymbolCapacityError&) {
           // The documented QR capacity error: the one exception allowed to leave a draw.
         }

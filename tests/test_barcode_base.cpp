@@ -23,8 +23,13 @@ std::string Base64(const std::string& bytes) {
 
 TEST(Base64Test, MatchesRfc4648Vectors) {
   const std::pair<std::string, std::string> cases[] = {
-      {"", ""},         {"f", "Zg=="},         {"fo", "Zm8="},         {"foo", "Zm9v"},
-      {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"},
+      {"", ""},
+      {"f", "Zg=="},
+      {"fo", "Zm8="},
+      {"foo", "Zm9v"},
+      {"foob", "Zm9vYg=="},
+      {"fooba", "Zm9vYmE="},
+      {"foobar", "Zm9vYmFy"},
       {std::string("\xFB\xFF\x00", 3), "+/8A"},
   };
   for (const auto& [input, expected] : cases) EXPECT_EQ(Base64(input), expected);
@@ -105,8 +110,8 @@ TEST(PngEncoderTest, EmptyCanvasGivesNoBytes) {
 // Exposes the canvas of a real draw.
 class InspectableCode39 : public Code39 {
  public:
-  using Code39::Code39;
   using Code39::canvas_surface;
+  using Code39::Code39;
 };
 
 TEST(PngEncoderTest, DrawnCanvasWithTranslucentTextRoundTrips) {
@@ -119,11 +124,11 @@ TEST(PngEncoderTest, DrawnCanvasWithTranslucentTextRoundTrips) {
 }
 
 TEST(OutputFormatTest, OnlyExactSpellingsSelectAMode) {
-  const std::pair<const char*, bool> svg_cases[] = {
-      {"svg", true}, {"SVG", true}, {"Svg", false}, {"sVG", false}, {"png", false}, {"svgz", false}, {"", false}};
+  const std::pair<const char*, bool> svg_cases[] = {{"svg", true},  {"SVG", true},   {"Svg", false}, {"sVG", false},
+                                                    {"png", false}, {"svgz", false}, {"", false}};
   for (const auto& [format, is_svg] : svg_cases) EXPECT_EQ(Code39(format).IsSvgOutput(), is_svg) << format;
-  const std::pair<const char*, bool> raster_cases[] = {
-      {"png", true}, {"jpg", true}, {"jpeg", true}, {"PNG", false}, {"gif", false}, {"svg", false}};
+  const std::pair<const char*, bool> raster_cases[] = {{"png", true},  {"jpg", true},  {"jpeg", true},
+                                                       {"PNG", false}, {"gif", false}, {"svg", false}};
   for (const auto& [format, is_raster] : raster_cases) {
     EXPECT_EQ(Code39(format).IsRasterOutput(), is_raster) << format;
   }

@@ -125,8 +125,8 @@ TEST(CApiTest, OptionsOnlyReachTheTypesTheyServe) {
   barcode_set_output_format(handle.get(), "svg");
   barcode_set_show_start_stop(handle.get(), 0);
   barcode_set_text_even_spacing(handle.get(), 0);
-  barcode_set_code_mode(handle.get(), "C");       // Code 128 only: ignored
-  barcode_set_version(handle.get(), 5);           // QR only: ignored
+  barcode_set_code_mode(handle.get(), "C");  // Code 128 only: ignored
+  barcode_set_version(handle.get(), 5);      // QR only: ignored
   EXPECT_EQ(barcode_draw_2d(handle.get(), "A", 100), 0);
   EXPECT_EQ(barcode_draw_2d_rect(handle.get(), "A", 100, 100), 0);
   EXPECT_EQ(barcode_draw_convenience(handle.get(), "A", 100, 100), 0);

@@ -76,9 +76,8 @@ TEST(Code39SvgTest, DocumentBytesAreExact) {
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
       "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" width=\"200\" height=\"80\" viewBox=\"0 0 200 80\">\n"
       "  <rect x=\"0.00\" y=\"0.00\" width=\"200.00\" height=\"80.00\" fill=\"rgb(255,255,255)\"/>\n";
-  const std::pair<int, int> bars[] = {{0, 4},   {16, 4},  {24, 12},  {40, 12},  {56, 4},
-                                      {64, 4},  {72, 4},  {88, 12},  {104, 12}, {120, 4},
-                                      {128, 4}, {144, 4}, {152, 12}, {168, 12}, {184, 4}};
+  const std::pair<int, int> bars[] = {{0, 4},    {16, 4},  {24, 12}, {40, 12}, {56, 4},   {64, 4},   {72, 4}, {88, 12},
+                                      {104, 12}, {120, 4}, {128, 4}, {144, 4}, {152, 12}, {168, 12}, {184, 4}};
   for (const auto& [x, width] : bars) {
     expected += "  <rect x=\"" + std::to_string(x) + ".00\" y=\"0.00\" width=\"" + std::to_string(width) +
                 ".00\" height=\"60.00\" fill=\"rgb(0,0,0)\"/>\n";

@@ -18,9 +18,8 @@ struct TextHeightCase {
 
 TEST(LinearLayoutTest, TextHeightFollowsBoxHeightBands) {
   const TextHeightCase cases[] = {
-      {100, 1.0F, 20}, {40, 1.0F, 10}, {20, 1.0F, 8},   // 5 raised to the minimum of 8
-      {49, 1.0F, 12},  {50, 1.0F, 10}, {200, 1.0F, 40}, {201, 1.0F, 30},
-      {100, 2.0F, 40}, {100, 0.1F, 8},
+      {100, 1.0F, 20}, {40, 1.0F, 10}, {20, 1.0F, 8},  // 5 raised to the minimum of 8
+      {49, 1.0F, 12},  {50, 1.0F, 10}, {200, 1.0F, 40}, {201, 1.0F, 30}, {100, 2.0F, 40}, {100, 0.1F, 8},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(TextHeightFor(c.height, c.scale), c.expected) << "height " << c.height << " scale " << c.scale;
@@ -45,13 +44,12 @@ struct BarHeightCase {
 
 TEST(LinearLayoutTest, BarHeightLeavesRoomForText) {
   const BarHeightCase cases[] = {
-      {40, true, 1.0F, 1.0F, 1, 28.0F},    // T 10, G max(1, 2) = 2
-      {100, true, 1.0F, 1.0F, 1, 75.0F},   // T 20, G 5
-      {100, false, 1.0F, 1.0F, 1, 100.0F},
-      {300, true, 1.0F, 1.0F, 1, 234.0F},  // T 45, G 21
-      {100, true, 1.0F, 1.0F, 2, 15.0F},   // two lines reserve four text heights
-      {10, true, 1.0F, 1.0F, 1, 1.0F},     // clamped to one pixel
-      {100, true, 1.0F, 3.0F, 1, 65.0F},   // G 15
+      {40, true, 1.0F, 1.0F, 1, 28.0F},                                         // T 10, G max(1, 2) = 2
+      {100, true, 1.0F, 1.0F, 1, 75.0F},                                        // T 20, G 5
+      {100, false, 1.0F, 1.0F, 1, 100.0F}, {300, true, 1.0F, 1.0F, 1, 234.0F},  // T 45, G 21
+      {100, true, 1.0F, 1.0F, 2, 15.0F},                                        // two lines reserve four text heights
+      {10, true, 1.0F, 1.0F, 1, 1.0F},                                          // clamped to one pixel
+      {100, true, 1.0F, 3.0F, 1, 65.0F},                                        // G 15
   };
   for (const auto& c : cases) {
     EXPECT_FLOAT_EQ(BarHeightFor(c.height, c.show_text, c.font_scale, c.gap_scale, c.lines), c.expected)
@@ -109,10 +107,10 @@ struct SpacingCase {
 
 TEST(LinearLayoutTest, EvenSpacingCentresTheRunOnTheBars) {
   const SpacingCase cases[] = {
-      {150, 100, 13, 11, 9},   // margin 7, usable 136
-      {188, 80, 3, 85, 9},     // margin 9, usable 170
-      {300, 100, 1, 270, 150}, // one character: centred
-      {50, 100, 40, 10, -170}, // pitch raised to half the font size
+      {150, 100, 13, 11, 9},    // margin 7, usable 136
+      {188, 80, 3, 85, 9},      // margin 9, usable 170
+      {300, 100, 1, 270, 150},  // one character: centred
+      {50, 100, 40, 10, -170},  // pitch raised to half the font size
   };
   for (const auto& c : cases) {
     const TextSpacing spacing = EvenTextSpacing(c.width, c.height, c.chars, 1.0F, 1.0F);

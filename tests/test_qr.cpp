@@ -13,8 +13,8 @@
 
 #include "api/ffi_internal.h"
 #include "barcode_ffi.h"
-#include "support/png_image.h"
 #include "support/c_api.h"
+#include "support/png_image.h"
 #include "support/zxing_decode.h"
 #include "twod/qr.h"
 
@@ -63,15 +63,16 @@ TEST(QrCInterface, SettersTranslateAndValidate) {
   EXPECT_EQ(qr.GetErrorCorrectionLevel(), QRErrorCorrectionLevel::M);
   EXPECT_EQ(qr.GetEncodeMode(), "B");
   using L = QRErrorCorrectionLevel;
-  const std::pair<const char*, L> levels[] = {{"L", L::L}, {"H", L::H}, {"h", L::M}, {"Q", L::Q},
+  const std::pair<const char*, L> levels[] = {{"L", L::L},  {"H", L::H}, {"h", L::M}, {"Q", L::Q},
                                               {"LL", L::M}, {"L", L::L}, {"", L::M}};
   for (const auto& [text, level] : levels) {
     barcode_set_error_correction_level(handle.get(), text);
     EXPECT_EQ(qr.GetErrorCorrectionLevel(), level) << text;
   }
-  const std::pair<const char*, const char*> modes[] = {
-      {"NUMERIC", "N"}, {"AUTO", "B"}, {"ALPHANUMERIC", "A"}, {"BYTE", "B"}, {"KANJI", "K"}, {"n", "N"},
-      {"numeric", "B"}, {"k", "K"},    {"", "B"},             {"Z", "B"},    {"NB", "B"},    {"a", "A"}};
+  const std::pair<const char*, const char*> modes[] = {{"NUMERIC", "N"}, {"AUTO", "B"},  {"ALPHANUMERIC", "A"},
+                                                       {"BYTE", "B"},    {"KANJI", "K"}, {"n", "N"},
+                                                       {"numeric", "B"}, {"k", "K"},     {"", "B"},
+                                                       {"Z", "B"},       {"NB", "B"},    {"a", "A"}};
   for (const auto& [text, mode] : modes) {
     barcode_set_encode_mode(handle.get(), text);
     EXPECT_EQ(qr.GetEncodeMode(), mode) << text;
@@ -82,9 +83,9 @@ TEST(QrCInterface, SettersTranslateAndValidate) {
     EXPECT_EQ(qr.GetVersion(), stored) << given;
   }
   const std::pair<QREncodeMode, const char*> typed[] = {{QREncodeMode::Numeric, "N"},
-                                                         {QREncodeMode::Kanji, "K"},
-                                                         {static_cast<QREncodeMode>(9), "B"},
-                                                         {QREncodeMode::Alphanumeric, "A"}};
+                                                        {QREncodeMode::Kanji, "K"},
+                                                        {static_cast<QREncodeMode>(9), "B"},
+                                                        {QREncodeMode::Alphanumeric, "A"}};
   for (const auto& [mode, stored] : typed) {
     qr.SetEncodeMode(mode);
     EXPECT_EQ(qr.GetEncodeMode(), stored);
@@ -345,8 +346,8 @@ TEST(QrPngRoundTrip, TextEncodingsLevelsAndSizes) {
       {"UTF-8 text as UTF-8", kana, nullptr, "M", "BYTE", 0, 200, false, "png", kana},
       {"UTF-8 text carried as Shift_JIS", kana, "shift_jis", "Q", "AUTO", 0, 200, false, "png", kana_sjis},
       {"Shift_JIS text carried as UTF-8", kana_sjis, "UTF-8", "H", "KANJI", 0, 200, false, "png", kana},
-      {"numeric, H, version 10 requested", "31415926535897932384626433832795028841971", nullptr, "H", "NUMERIC",
-       10, 300, false, "png", "31415926535897932384626433832795028841971"},
+      {"numeric, H, version 10 requested", "31415926535897932384626433832795028841971", nullptr, "H", "NUMERIC", 10,
+       300, false, "png", "31415926535897932384626433832795028841971"},
       {"1000 bytes at L in 600 x 600", thousand, nullptr, "L", "B", 0, 600, false, "png", thousand},
       {"fit_width into an odd box", "https://example.com/fit", nullptr, "M", "B", 0, 251, true, "jpg",
        "https://example.com/fit"},

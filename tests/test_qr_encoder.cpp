@@ -211,11 +211,14 @@ TEST(QrMask, PenaltyRules) {
       // Balance uses the data-area size given, not the matrix: 25 of 100 dark is step 5.
       {"all dark 5x5 in a larger data area", std::vector<std::string>(5, "#####"), 100, 30 + 48 + 40},
       {"checkerboard: nothing but an even balance",
-       {"#.#.#.", ".#.#.#", "#.#.#.", ".#.#.#", "#.#.#.", ".#.#.#"}, 36, 0},
+       {"#.#.#.", ".#.#.#", "#.#.#.", ".#.#.#", "#.#.#.", ".#.#.#"},
+       36,
+       0},
       // The bare 1011101 row scores 40 without light margins; besides it six light rows
       // (30), light columns 1 and 5 (10), 24 light blocks (72) and 5 of 49 dark (70).
       {"finder-like row without margins",
-       {".......", ".......", ".......", "#.###.#", ".......", ".......", "......."}, 49,
+       {".......", ".......", ".......", "#.###.#", ".......", ".......", "......."},
+       49,
        30 + 10 + 3 * 24 + 40 + 70},
   };
   for (const Case& c : cases) {
@@ -290,8 +293,8 @@ TEST(QrRoundTrip, EveryVersionAndLevel) {
   for (int level = kLevelL; level <= kLevelH; ++level) {
     for (int version = kMinVersion; version <= kMaxVersion; ++version) {
       for (bool numeric : {false, true}) {
-        const int length = numeric ? (version == 1 ? 1 : MaxPayload(true, version - 1, level) + 1)
-                                   : MaxPayload(false, version, level);
+        const int length =
+            numeric ? (version == 1 ? 1 : MaxPayload(true, version - 1, level) + 1) : MaxPayload(false, version, level);
         const std::vector<uint8_t> payload = RandomPayload(random, length, numeric);
         const Encoded encoded = Encode(payload, numeric ? "N" : "B", level);
         ASSERT_EQ(encoded.version, version) << "level " << level << (numeric ? " numeric" : " byte");

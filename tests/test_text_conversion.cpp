@@ -19,8 +19,8 @@ const Bytes kHiraganaAUtf8 = {0xE3, 0x81, 0x82};
 const Bytes kHiraganaASjis = {0x82, 0xA0};
 const Bytes kNihonUtf8 = {0xE6, 0x97, 0xA5, 0xE6, 0x9C, 0xAC};  // 日本
 const Bytes kNihonSjis = {0x93, 0xFA, 0x96, 0x7B};
-const Bytes kEAcuteUtf8 = {0xC3, 0xA9};                        // é, not in Shift_JIS
-const Bytes kTimesUtf8 = {0xC3, 0x97};                         // ×
+const Bytes kEAcuteUtf8 = {0xC3, 0xA9};  // é, not in Shift_JIS
+const Bytes kTimesUtf8 = {0xC3, 0x97};   // ×
 const Bytes kTimesSjis = {0x81, 0x7E};
 
 TEST(ConvertStringToBytes, EverySpellingOfTheSetting) {
@@ -92,7 +92,8 @@ TEST(IsValidUtf8, StructuralCheckOnly) {
       {{0xF8, 0x80, 0x80, 0x80, 0x80}, false},
       {kHiraganaASjis, false},
   };
-  for (const Case& c : cases) EXPECT_EQ(BarcodeBase2D::IsValidUtf8(Text(c.text)), c.valid) << ::testing::PrintToString(c.text);
+  for (const Case& c : cases)
+    EXPECT_EQ(BarcodeBase2D::IsValidUtf8(Text(c.text)), c.valid) << ::testing::PrintToString(c.text);
 }
 
 TEST(IsShiftJIS, AsymmetricHeuristic) {
@@ -116,7 +117,8 @@ TEST(IsShiftJIS, AsymmetricHeuristic) {
       {{0xE5, 0x20}, true},
       {{0xFD, 0x41}, true},  // neither lead nor UTF-8
   };
-  for (const Case& c : cases) EXPECT_EQ(BarcodeBase2D::IsShiftJIS(Text(c.text)), c.shift_jis) << ::testing::PrintToString(c.text);
+  for (const Case& c : cases)
+    EXPECT_EQ(BarcodeBase2D::IsShiftJIS(Text(c.text)), c.shift_jis) << ::testing::PrintToString(c.text);
 }
 
 TEST(DetectEncoding, OnlyTwoByteUtf8CountsAsUtf8) {
@@ -134,7 +136,8 @@ TEST(DetectEncoding, OnlyTwoByteUtf8CountsAsUtf8) {
       {{'x', 0xC3, 0xA9, 0xE3, 0x81, 0x82}, "utf-8"},  // only the first non-ASCII byte decides
       {{0xE3, 0x81, 0x82, 0xC3, 0xA9}, "shift-jis"},
   };
-  for (const Case& c : cases) EXPECT_EQ(BarcodeBase2D::DetectEncoding(Text(c.text)), c.encoding) << ::testing::PrintToString(c.text);
+  for (const Case& c : cases)
+    EXPECT_EQ(BarcodeBase2D::DetectEncoding(Text(c.text)), c.encoding) << ::testing::PrintToString(c.text);
 }
 
 TEST(DirectConversions, FollowTheHeuristic) {

@@ -31,9 +31,7 @@ inline BarcodeBase* ObjectFor(BarcodeHandle* handle, std::initializer_list<int> 
   return nullptr;
 }
 
-inline BarcodeBase* ObjectOf(BarcodeHandle* handle) {
-  return handle == nullptr ? nullptr : handle->object.get();
-}
+inline BarcodeBase* ObjectOf(BarcodeHandle* handle) { return handle == nullptr ? nullptr : handle->object.get(); }
 
 constexpr bool IsLinearType(int type) { return type >= 0 && type <= 15; }
 constexpr bool Is2DType(int type) { return type >= 16 && type <= 18; }

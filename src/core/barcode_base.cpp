@@ -31,8 +31,7 @@ std::string& ModulePathStorage() {
 
 SDL_Color ColorFrom(int r, int g, int b, int a) {
   // Each component keeps its low 8 bits, so 256 wraps to 0.
-  return SDL_Color{static_cast<Uint8>(r), static_cast<Uint8>(g), static_cast<Uint8>(b),
-                   static_cast<Uint8>(a)};
+  return SDL_Color{static_cast<Uint8>(r), static_cast<Uint8>(g), static_cast<Uint8>(b), static_cast<Uint8>(a)};
 }
 
 void AppendInt(std::string& out, long long value) {
@@ -66,8 +65,7 @@ bool BarcodeBase::Draw(const std::string& /*text*/, int /*x*/, int /*y*/, int wi
   return true;
 }
 
-bool BarcodeBase::DrawSvg(const std::string& /*text*/, int /*x*/, int /*y*/, int /*width*/,
-                          int /*height*/) {
+bool BarcodeBase::DrawSvg(const std::string& /*text*/, int /*x*/, int /*y*/, int /*width*/, int /*height*/) {
   return false;
 }
 
@@ -146,8 +144,8 @@ std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {
     return {};
   }
   if (!log::Quiet()) {
-    log::Progress("PNG保存: " + std::to_string(surface->w) + "x" + std::to_string(surface->h) +
-                  " → " + std::to_string(png.size()) + " バイト");
+    log::Progress("PNG保存: " + std::to_string(surface->w) + "x" + std::to_string(surface->h) + " → " +
+                  std::to_string(png.size()) + " バイト");
   }
   return png;
 }

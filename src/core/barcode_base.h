@@ -87,8 +87,7 @@ class BarcodeBase : public IBarcodeSymbology {
   // SVG document builder.
   void SvgBegin(int width, int height);
   void SvgRect(float x, float y, float width, float height, SDL_Color color);
-  void SvgText(float x, float y, const std::string& text, int font_size, SDL_Color color,
-               const std::string& anchor);
+  void SvgText(float x, float y, const std::string& text, int font_size, SDL_Color color, const std::string& anchor);
   void SvgEnd();
   static std::string ColorToRgbString(SDL_Color color);
 

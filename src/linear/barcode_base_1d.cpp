@@ -24,9 +24,7 @@ std::string& SharedFontPath() {
 
 TTF_Font* BarcodeBase1D::m_font = nullptr;
 
-BarcodeBase1D::BarcodeBase1D(std::string output_format) : BarcodeBase(std::move(output_format)) {
-  InitFont();
-}
+BarcodeBase1D::BarcodeBase1D(std::string output_format) : BarcodeBase(std::move(output_format)) { InitFont(); }
 
 void BarcodeBase1D::InitLinerBarcode(int /*width*/, int height, int text_lines) {
   bar_height = BarHeightFor(height, show_text, text_font_scale, text_gap, text_lines);
@@ -120,8 +118,8 @@ bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int 
   return true;
 }
 
-bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int width, int height,
-                                  const char* log_prefix, const LinearEncoder& encode) {
+bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int width, int height, const char* log_prefix,
+                                  const LinearEncoder& encode) {
   InitLinerBarcode(width, height, 1);
   LinearSymbol symbol;
   if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
@@ -185,7 +183,9 @@ void BarcodeBase1D::RenderTextSvg(const std::string& text, int x, int y, int wid
   const TextSpacing spacing = EvenTextSpacing(width, height, text.size(), text_font_scale, text_margin_scale);
   const auto top = static_cast<float>(int64_t{y} + height - spacing.font_size);
   if (!text_even_spacing) {
-    SvgText(static_cast<float>(x + width / 2), top, text, spacing.font_size, fore_color, "middle");
+    // Whole-pixel centre, like the raster text.
+    SvgText(static_cast<float>(x + width / 2), top,  // NOLINT(bugprone-integer-division)
+            text, spacing.font_size, fore_color, "middle");
     return;
   }
   for (size_t i = 0; i < text.size(); ++i) {

@@ -51,11 +51,11 @@ class BarcodeBase1D : public BarcodeBase {
 
   // The whole raster draw of a width-list symbol: canvas, bar height, background,
   // encoding (errors logged as `log_prefix` + message), bars and text.
-  bool DrawLinearRaster(const std::string& text, int x, int y, int width, int height,
-                        const char* log_prefix, const LinearEncoder& encode);
+  bool DrawLinearRaster(const std::string& text, int x, int y, int width, int height, const char* log_prefix,
+                        const LinearEncoder& encode);
   // The same into a fresh SVG document; nothing is written when encoding fails.
-  bool DrawLinearSvg(const std::string& text, int x, int y, int width, int height,
-                     const char* log_prefix, const LinearEncoder& encode);
+  bool DrawLinearSvg(const std::string& text, int x, int y, int width, int height, const char* log_prefix,
+                     const LinearEncoder& encode);
 
   // Runs `encode`; a failure is written to standard error as `log_prefix` + message.
   static bool EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,

@@ -72,8 +72,7 @@ float ModuleWidthFor(int box_width, int64_t total_modules, bool fit_width) {
   return unit;
 }
 
-BarLayout LayOutBars(const std::vector<int32_t>& widths, float x, float unit, int adjust_black,
-                     int adjust_white) {
+BarLayout LayOutBars(const std::vector<int32_t>& widths, float x, float unit, int adjust_black, int adjust_white) {
   BarLayout layout;
   layout.bars.reserve(widths.size() / 2 + 1);
   float cursor = x;
@@ -99,7 +98,9 @@ TextSpacing EvenTextSpacing(int width, int height, size_t char_count, float font
   int64_t pitch = n >= 2 ? usable / (n - 1) : usable;
   if (pitch < spacing.font_size / 2) pitch = spacing.font_size / 2;
   spacing.pitch = TruncateToInt(static_cast<double>(pitch));
-  spacing.first_center = TruncateToInt(static_cast<double>((int64_t{width} - (n - 1) * pitch) / 2));
+  // The run is centred in whole pixels: the halving truncates toward zero on purpose.
+  spacing.first_center =
+      TruncateToInt(static_cast<double>((int64_t{width} - (n - 1) * pitch) / 2));  // NOLINT(bugprone-integer-division)
   return spacing;
 }
 

@@ -30,16 +30,14 @@ struct BarLayout {
 
 // Places the elements (bar first, alternating) from x at `unit` pixels a module, each
 // at least 1 pixel wide after the black/white adjustment.
-BarLayout LayOutBars(const std::vector<int32_t>& widths, float x, float unit, int adjust_black,
-                     int adjust_white);
+BarLayout LayOutBars(const std::vector<int32_t>& widths, float x, float unit, int adjust_black, int adjust_white);
 
 // Horizontal placement of the human-readable characters.
 struct TextSpacing {
   int font_size = 0;
-  int pitch = 0;        // distance between character centres
-  int first_center = 0; // centre of character 0, relative to the symbol's left edge
+  int pitch = 0;         // distance between character centres
+  int first_center = 0;  // centre of character 0, relative to the symbol's left edge
 };
-TextSpacing EvenTextSpacing(int width, int height, size_t char_count, float font_scale,
-                            float margin_scale);
+TextSpacing EvenTextSpacing(int width, int height, size_t char_count, float font_scale, float margin_scale);
 
 }  // namespace barcode_orv

@@ -26,7 +26,8 @@ class IconvHandle {
   }
 
  private:
-  static iconv_t Invalid() { return reinterpret_cast<iconv_t>(-1); }
+  // iconv_open reports failure as the all-ones handle.
+  static iconv_t Invalid() { return reinterpret_cast<iconv_t>(-1); }  // NOLINT(performance-no-int-to-ptr)
   iconv_t cd_;
 };
 
@@ -72,9 +73,7 @@ bool BarcodeBase2D::Draw(const std::string& text, int x, int y, int width, int h
   return Draw(ConvertStringToBytes(text, string_encoding_), x, y, width, height);
 }
 
-bool BarcodeBase2D::Draw(const std::string& text, int x, int y, int size) {
-  return Draw(text, x, y, size, size);
-}
+bool BarcodeBase2D::Draw(const std::string& text, int x, int y, int size) { return Draw(text, x, y, size, size); }
 
 bool BarcodeBase2D::Draw(const std::vector<uint8_t>& data, int x, int y, int size) {
   return Draw(data, x, y, size, size);
@@ -84,8 +83,7 @@ void BarcodeBase2D::SetStringEncoding(StringEncoding encoding) {
   string_encoding_ = encoding == StringEncoding::ShiftJis ? kIconvShiftJis : kIconvUtf8;
 }
 
-std::vector<uint8_t> BarcodeBase2D::ConvertStringToBytes(const std::string& text,
-                                                         const std::string& encoding) {
+std::vector<uint8_t> BarcodeBase2D::ConvertStringToBytes(const std::string& text, const std::string& encoding) {
   const bool valid_utf8 = IsValidUtf8(text);
   if (IsShiftJisSetting(encoding)) {
     return valid_utf8 ? ConvertEncoding(text, kIconvUtf8, kIconvShiftJis) : Bytes(text);
@@ -125,8 +123,8 @@ std::string BarcodeBase2D::DetectEncoding(const std::string& text) {
   for (size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
     if (byte < 0x80) continue;
-    const bool two_byte_utf8 = InRange(byte, 0xC0, 0xDF) && i + 1 < text.size() &&
-                               IsContinuation(static_cast<unsigned char>(text[i + 1]));
+    const bool two_byte_utf8 =
+        InRange(byte, 0xC0, 0xDF) && i + 1 < text.size() && IsContinuation(static_cast<unsigned char>(text[i + 1]));
     return two_byte_utf8 ? kIconvUtf8 : kIconvShiftJis;
   }
   return kIconvUtf8;
@@ -172,8 +170,7 @@ bool BarcodeBase2D::IsShiftJIS(const std::string& text) {
       continue;
     }
     const bool has_trail = i + 1 < text.size();
-    if (!IsShiftJisLead(byte) || !has_trail ||
-        !IsShiftJisTrail(static_cast<unsigned char>(text[i + 1]))) {
+    if (!IsShiftJisLead(byte) || !has_trail || !IsShiftJisTrail(static_cast<unsigned char>(text[i + 1]))) {
       return ShiftJisVerdictAtFailure(text, i);
     }
     pair_found = true;

@@ -32,8 +32,7 @@ class BarcodeBase2D : public BarcodeBase {
   // The bytes a 2D encoder receives for `text` under `encoding`; empty on failure.
   static std::vector<uint8_t> ConvertStringToBytes(const std::string& text, const std::string& encoding);
   // iconv conversion; empty on any failure.
-  static std::vector<uint8_t> ConvertEncoding(const std::string& text, const std::string& from,
-                                              const std::string& to);
+  static std::vector<uint8_t> ConvertEncoding(const std::string& text, const std::string& from, const std::string& to);
   static std::string DetectEncoding(const std::string& text);
   static bool IsValidUtf8(const std::string& text);
   static bool IsShiftJIS(const std::string& text);

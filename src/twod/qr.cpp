@@ -109,7 +109,8 @@ SDL_Renderer* QR::PrepareCanvas(int x, int y, int width, int height) {
     log::Progress("エラー: 描画コンテキストが指定されていません (m_canvas も m_format も無効)。");
     return nullptr;
   }
-  if (!BarcodeBase::Draw("dummy", x, y, width, height)) {
+  // The root class prepares the canvas; the 2D text overload must not run here.
+  if (!BarcodeBase::Draw("dummy", x, y, width, height)) {  // NOLINT(bugprone-parent-virtual-call)
     log::Progress("エラー: BarcodeBase::Draw が false を返しました (サーフェス準備失敗の可能性)。");
     return nullptr;
   }

@@ -14,9 +14,9 @@ constexpr std::array<uint16_t, kMaxVersion + 1> kTotalCodewords = {
     581,  655,  733,  815,  901,  991,  1085, 1156, 1258, 1364, 1474, 1588, 1706, 1828,
     1921, 2051, 2185, 2323, 2465, 2611, 2761, 2876, 3034, 3196, 3362, 3532, 3706};
 
-constexpr std::array<uint8_t, kMaxVersion + 1> kRemainderBits = {
-    0, 0, 7, 7, 7, 7, 7, 0, 0, 0, 0, 0, 0, 0, 3, 3, 3, 3, 3, 3, 3,
-    4, 4, 4, 4, 4, 4, 4, 3, 3, 3, 3, 3, 3, 3, 0, 0, 0, 0, 0, 0};
+constexpr std::array<uint8_t, kMaxVersion + 1> kRemainderBits = {0, 0, 7, 7, 7, 7, 7, 0, 0, 0, 0, 0, 0, 0,
+                                                                 3, 3, 3, 3, 3, 3, 3, 4, 4, 4, 4, 4, 4, 4,
+                                                                 3, 3, 3, 3, 3, 3, 3, 0, 0, 0, 0, 0, 0};
 
 // Error-correction codewords per block, by level L, M, Q, H.
 constexpr uint8_t kEccPerBlock[4][kMaxVersion + 1] = {
@@ -32,8 +32,8 @@ constexpr uint8_t kEccPerBlock[4][kMaxVersion + 1] = {
 
 // Error-correction blocks, by level L, M, Q, H.
 constexpr uint8_t kEccBlocks[4][kMaxVersion + 1] = {
-    {0,  1,  1,  1,  1,  1,  2,  2,  2,  2,  4,  4,  4,  4,  4,  6,  6,  6,  6,  7,  8,
-     8,  9,  9,  10, 12, 12, 12, 13, 14, 15, 16, 17, 18, 19, 19, 20, 21, 22, 24, 25},
+    {0, 1, 1, 1,  1,  1,  2,  2,  2,  2,  4,  4,  4,  4,  4,  6,  6,  6,  6,  7, 8,
+     8, 9, 9, 10, 12, 12, 12, 13, 14, 15, 16, 17, 18, 19, 19, 20, 21, 22, 24, 25},
     {0,  1,  1,  1,  2,  2,  4,  4,  4,  5,  5,  5,  8,  9,  9,  10, 10, 11, 13, 14, 16,
      17, 17, 18, 20, 21, 23, 25, 26, 28, 29, 31, 33, 35, 37, 38, 40, 43, 45, 47, 49},
     {0,  1,  1,  2,  2,  4,  4,  6,  6,  8,  8,  8,  10, 12, 16, 12, 17, 16, 18, 21, 20,
@@ -411,8 +411,8 @@ ModuleMatrix Compose(const Frame& frame, const MaskCandidates& candidates, int m
   ModuleMatrix matrix(side);
   for (int row = 0; row < side; ++row) {
     for (int col = 0; col < side; ++col) {
-      const bool dark = frame.is_function(col, row) ? frame.dark(col, row)
-                                                    : ((candidates.at(col, row) >> mask) & 1) != 0;
+      const bool dark =
+          frame.is_function(col, row) ? frame.dark(col, row) : ((candidates.at(col, row) >> mask) & 1) != 0;
       matrix.set(col, row, dark);
     }
   }
@@ -458,8 +458,8 @@ void ScoreFinderWindows(const uint8_t* first, ptrdiff_t stride, int length, Line
   auto at = [first, stride](int i) { return first[i * stride]; };
   uint64_t windows = 0;
   for (int i = 6; i < length; ++i) {
-    const auto window = static_cast<uint8_t>(at(i - 6) & ~at(i - 5) & at(i - 4) & at(i - 3) & at(i - 2) &
-                                             ~at(i - 1) & at(i));
+    const auto window =
+        static_cast<uint8_t>(at(i - 6) & ~at(i - 5) & at(i - 4) & at(i - 3) & at(i - 2) & ~at(i - 1) & at(i));
     AddFlags(windows, window);
   }
   counters.finder_windows.Drain(windows);
@@ -484,8 +484,8 @@ int ErrorCorrectionCodewordsPerBlock(int version, int level) { return kEccPerBlo
 int ErrorCorrectionBlockCount(int version, int level) { return kEccBlocks[level][version]; }
 
 int DataCapacityBits(int version, int level) {
-  const int data_codewords =
-      TotalCodewords(version) - ErrorCorrectionCodewordsPerBlock(version, level) * ErrorCorrectionBlockCount(version, level);
+  const int data_codewords = TotalCodewords(version) - ErrorCorrectionCodewordsPerBlock(version, level) *
+                                                           ErrorCorrectionBlockCount(version, level);
   return data_codewords * 8;
 }
 
@@ -656,8 +656,8 @@ std::array<int, kMaskCount> MaskPenalties(const MaskCandidates& candidates) {
     // Deliberate: the balance step is the floor of dark * 20 / N over the data area
     // alone, not the standard's distance from 50 % over the whole symbol.
     const int balance_step = std::min(dark.total(mask) * 20 / data_modules, 20);
-    penalties[mask] = runs + 3 * blocks.total(mask) + 40 * lines.finder_windows.total(mask) +
-                      kBalancePenalty[balance_step];
+    penalties[mask] =
+        runs + 3 * blocks.total(mask) + 40 * lines.finder_windows.total(mask) + kBalancePenalty[balance_step];
   }
   return penalties;
 }

@@ -101,8 +101,7 @@ std::vector<uint8_t> QRCodeGet8BitData(const std::vector<BitField>& fields, int 
 // The Reed-Solomon codewords of one block.
 std::vector<uint8_t> QRCodeGetTotalData(const std::vector<uint8_t>& block, int ecc_count);
 // Splits the data codewords into blocks, adds their error correction, interleaves.
-std::vector<uint8_t> QRCodeTransRSBlock(const std::vector<uint8_t>& data_codewords, int version,
-                                        int level);
+std::vector<uint8_t> QRCodeTransRSBlock(const std::vector<uint8_t>& data_codewords, int version, int level);
 // Byte-wise XOR; one byte longer than the longer input, which extends past the shorter.
 std::vector<uint8_t> QRCodeGetByteData(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b);
 // Penalty of each mask over the data area.

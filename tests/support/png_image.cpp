@@ -17,8 +17,7 @@ RgbaImage DecodePng(const uint8_t* data, size_t size) {
   if (data == nullptr || size == 0) return image;
   SDL_RWops* rw = SDL_RWFromConstMem(data, static_cast<int>(size));
   if (rw == nullptr) return image;
-  std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)> loaded(IMG_LoadTyped_RW(rw, 1, "PNG"),
-                                                                    SDL_FreeSurface);
+  std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)> loaded(IMG_LoadTyped_RW(rw, 1, "PNG"), SDL_FreeSurface);
   if (!loaded) return image;
   std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)> rgba(
       SDL_ConvertSurfaceFormat(loaded.get(), SDL_PIXELFORMAT_ABGR8888, 0), SDL_FreeSurface);

@@ -63,8 +63,7 @@ Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet) {
   hints.setTryHarder(true);
   hints.setTryRotate(false);
   hints.setIsPure(false);
-  const ZXing::Result result =
-      ZXing::ReadBarcode(ZXing::ImageView(grey.data(), w, h, ZXing::ImageFormat::Lum), hints);
+  const ZXing::Result result = ZXing::ReadBarcode(ZXing::ImageView(grey.data(), w, h, ZXing::ImageFormat::Lum), hints);
   if (!result.isValid()) return out;
   out.ok = true;
   out.text = result.text();
