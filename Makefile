@@ -5,7 +5,7 @@ BUILD_DIR ?= build
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build test demo bench fuzz sanitize install clean
+.PHONY: all deps build test demo bench fuzz sanitize format-check install clean
 
 all: build
 
@@ -37,6 +37,9 @@ fuzz: deps
 	  -DBARCODE_ORV_BUILD_FUZZ=ON -DBARCODE_ORV_BUILD_TESTS=OFF -DBARCODE_ORV_BUILD_TOOLS=OFF
 	cmake --build $(BUILD_DIR)-fuzz -j $(JOBS) --target fuzz_c_interface
 	bash scripts/run-fuzz.sh $(BUILD_DIR)-fuzz/fuzz_c_interface 60
+
+format-check: deps
+	clang-format --dry-run -Werror src/*/*.cpp src/*/*.h include/*.h tools/*.cpp tests/*.cpp tests/support/* bench/*.cpp fuzz/*.cpp
 
 install: build
 	cmake --install $(BUILD_DIR)

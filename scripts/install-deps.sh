@@ -8,7 +8,7 @@ packages=(
   libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev
   fonts-roboto-unhinted
   libgtest-dev libbenchmark-dev libzxing-dev
-  clang libclang-rt-dev
+  clang libclang-rt-dev clang-format
 )
 
 missing=()
