@@ -13,6 +13,7 @@
 #include "core/sdl_handles.h"
 #include "linear/code39.h"
 #include "support/png_image.h"
+#include "twod/qr.h"
 
 namespace barcode_orv {
 namespace {
@@ -172,6 +173,38 @@ TEST(OutputFormatTest, GetSvgOutsideSvgModeThrowsItsMessage) {
   }
   Code39 svg("svg");
   EXPECT_THROW((void)svg.GetImageBase64(), std::runtime_error);
+}
+
+// A host that owns its renderer gets the symbol painted at the box it names.
+TEST(CallerRendererTest, SymbolsPaintIntoTheCallersTarget) {
+  SurfacePtr target = MakeSurface(400, 300);
+  RendererPtr renderer(SDL_CreateSoftwareRenderer(target.get()));
+  ASSERT_NE(renderer, nullptr);
+  SDL_SetRenderDrawColor(renderer.get(), 200, 0, 0, 255);
+  SDL_RenderClear(renderer.get());
+  auto pixel = [&](int x, int y) { return static_cast<const uint32_t*>(target->pixels)[y * 400 + x]; };
+  const uint32_t black = SDL_MapRGBA(target->format, 0, 0, 0, 255);
+  const uint32_t white = SDL_MapRGBA(target->format, 255, 255, 255, 255);
+
+  Code39 code(renderer.get());
+  EXPECT_FALSE(code.IsRasterOutput());
+  code.SetShowText(false);
+  ASSERT_TRUE(code.Draw("0", 10, 20, 94, 40));  // 47 modules at 2 px, from (10, 20)
+  EXPECT_EQ(pixel(10, 20), black);
+  EXPECT_EQ(pixel(10, 59), black);
+  EXPECT_EQ(pixel(12, 20), white);             // the canvas was cleared to the background first
+  EXPECT_TRUE(code.GetImageMemory().empty());  // nothing of the object's own
+
+  QR qr(renderer.get());
+  SDL_SetRenderDrawColor(renderer.get(), 200, 0, 0, 255);
+  SDL_RenderClear(renderer.get());
+  ASSERT_TRUE(qr.Draw(std::string("QR"), 100, 50, 42, 42));  // version 1: 21 modules at 2 px
+  const uint32_t red = SDL_MapRGBA(target->format, 200, 0, 0, 255);
+  EXPECT_EQ(pixel(99, 50), red);     // left of the box
+  EXPECT_EQ(pixel(142, 50), red);    // right of the box
+  EXPECT_EQ(pixel(100, 50), black);  // finder pattern: dark ring,
+  EXPECT_EQ(pixel(102, 52), white);  // light ring,
+  EXPECT_EQ(pixel(104, 54), black);  // dark centre
 }
 
 }  // namespace

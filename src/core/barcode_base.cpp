@@ -44,6 +44,8 @@ void AppendInt(std::string& out, long long value) {
 
 BarcodeBase::BarcodeBase(std::string output_format) : output_format_(std::move(output_format)) {}
 
+BarcodeBase::BarcodeBase(SDL_Renderer* canvas) : external_canvas_(canvas) {}
+
 BarcodeBase::~BarcodeBase() = default;
 
 void BarcodeBase::SetForegroundColor(int r, int g, int b, int a) { fore_color = ColorFrom(r, g, b, a); }
@@ -95,9 +97,10 @@ void BarcodeBase::ReleaseCanvas() {
 }
 
 void BarcodeBase::ClearCanvas(SDL_Color color) {
-  if (!renderer_) return;
-  SDL_SetRenderDrawColor(renderer_.get(), color.r, color.g, color.b, color.a);
-  SDL_RenderClear(renderer_.get());
+  SDL_Renderer* renderer = canvas_renderer();
+  if (renderer == nullptr) return;
+  SDL_SetRenderDrawColor(renderer, color.r, color.g, color.b, color.a);
+  SDL_RenderClear(renderer);
 }
 
 void BarcodeBase::FillRectF(float x, float y, float width, float height, SDL_Color color) {
@@ -117,20 +120,29 @@ void BarcodeBase::FillRect(int x, int y, int width, int height, SDL_Color color)
 }
 
 void BarcodeBase::FillClipped(double left, double top, double right, double bottom, SDL_Color color) {
-  if (!renderer_ || !surface_) return;
+  SDL_Renderer* renderer = canvas_renderer();
+  if (renderer == nullptr) return;
   // Clip to the canvas here: coordinates far outside it (huge pixel adjustments) would
   // overflow the renderer's own integer arithmetic.
-  const double canvas_w = surface_->w;
-  const double canvas_h = surface_->h;
+  int output_w = 0;
+  int output_h = 0;
+  if (surface_ && renderer == renderer_.get()) {
+    output_w = surface_->w;
+    output_h = surface_->h;
+  } else if (SDL_GetRendererOutputSize(renderer, &output_w, &output_h) != 0) {
+    return;
+  }
+  const double canvas_w = output_w;
+  const double canvas_h = output_h;
   left = std::clamp(left, 0.0, canvas_w);
   right = std::clamp(right, 0.0, canvas_w);
   top = std::clamp(top, 0.0, canvas_h);
   bottom = std::clamp(bottom, 0.0, canvas_h);
   if (!(right > left) || !(bottom > top)) return;  // also false for NaN
-  SDL_SetRenderDrawColor(renderer_.get(), color.r, color.g, color.b, color.a);
+  SDL_SetRenderDrawColor(renderer, color.r, color.g, color.b, color.a);
   const SDL_Rect rect{static_cast<int>(left), static_cast<int>(top), static_cast<int>(right - left),
                       static_cast<int>(bottom - top)};
-  SDL_RenderFillRect(renderer_.get(), &rect);
+  SDL_RenderFillRect(renderer, &rect);
 }
 
 std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {
@@ -151,7 +163,7 @@ std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {
 }
 
 std::vector<uint8_t> BarcodeBase::GetImageMemory() {
-  if (renderer_) SDL_RenderPresent(renderer_.get());
+  if (SDL_Renderer* renderer = canvas_renderer()) SDL_RenderPresent(renderer);
   return SaveSurfaceToMemory(surface_.get());
 }
 
@@ -160,7 +172,7 @@ std::string BarcodeBase::GetImageBase64() {
     throw std::runtime_error("GetImageBase64() is not available in SVG mode. Use GetSvg() instead.");
   }
   try {
-    if (renderer_) SDL_RenderPresent(renderer_.get());
+    if (SDL_Renderer* renderer = canvas_renderer()) SDL_RenderPresent(renderer);
     const std::vector<uint8_t> png = SaveSurfaceToMemory(surface_.get());
     // The canvas is consumed: a data URI is fetched once per draw.
     ReleaseCanvas();

@@ -30,6 +30,9 @@ class IBarcodeSymbology {
 class BarcodeBase : public IBarcodeSymbology {
  public:
   explicit BarcodeBase(std::string output_format);
+  // Draws onto a renderer the caller owns and keeps (output format ""): the symbol is
+  // painted at the draw call's box on whatever that renderer targets.
+  explicit BarcodeBase(SDL_Renderer* canvas);
   ~BarcodeBase() override;
 
   void SetForegroundColor(int r, int g, int b, int a) override;
@@ -76,7 +79,9 @@ class BarcodeBase : public IBarcodeSymbology {
   // PNG file bytes of `surface`; empty on failure.
   static std::vector<uint8_t> SaveSurfaceToMemory(SDL_Surface* surface);
 
-  SDL_Renderer* canvas_renderer() const { return renderer_.get(); }
+  // The renderer draws go to: the object's own canvas, else the caller's renderer.
+  SDL_Renderer* canvas_renderer() const { return renderer_ ? renderer_.get() : external_canvas_; }
+  SDL_Renderer* external_canvas() const { return external_canvas_; }
   SDL_Surface* canvas_surface() const { return surface_.get(); }
   // Fills a rectangle on the canvas (no-op without one). Fractional edges are snapped
   // to the nearest pixel; everything is clipped to the canvas.
@@ -107,7 +112,8 @@ class BarcodeBase : public IBarcodeSymbology {
   void AppendFixed(double value);
 
   std::string output_format_;
-  RendererPtr renderer_;  // destroyed before the surface it draws into
+  SDL_Renderer* external_canvas_ = nullptr;  // the caller's, never freed here
+  RendererPtr renderer_;                     // destroyed before the surface it draws into
   SurfacePtr surface_;
   std::string svg_;
 };

@@ -26,6 +26,8 @@ TTF_Font* BarcodeBase1D::m_font = nullptr;
 
 BarcodeBase1D::BarcodeBase1D(std::string output_format) : BarcodeBase(std::move(output_format)) { InitFont(); }
 
+BarcodeBase1D::BarcodeBase1D(SDL_Renderer* canvas) : BarcodeBase(canvas) { InitFont(); }
+
 void BarcodeBase1D::InitLinerBarcode(int /*width*/, int height, int text_lines) {
   bar_height = BarHeightFor(height, show_text, text_font_scale, text_gap, text_lines);
 }

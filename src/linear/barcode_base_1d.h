@@ -17,6 +17,7 @@ namespace barcode_orv {
 class BarcodeBase1D : public BarcodeBase {
  public:
   explicit BarcodeBase1D(std::string output_format);
+  explicit BarcodeBase1D(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   void SetShowText(bool show) { show_text = show; }
   bool GetShowText() const { return show_text; }

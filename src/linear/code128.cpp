@@ -220,6 +220,8 @@ std::vector<int32_t> EncodeCode128(const std::string& text, CodeSet128 mode) {
 
 Code128::Code128(std::string output_format) : BarcodeBase1D(std::move(output_format)) {}
 
+Code128::Code128(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
+
 std::vector<int32_t> Code128::EncodeCode128(const std::string& text) {
   return internal::EncodeCode128(text, code_mode_);
 }

@@ -30,6 +30,7 @@ std::vector<int32_t> EncodeAuto(const std::string& text);
 class Code128 : public BarcodeBase1D {
  public:
   explicit Code128(std::string output_format);
+  explicit Code128(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   void SetCodeMode(CodeSet128 mode) { code_mode_ = mode; }
   CodeSet128 GetCodeMode() const { return code_mode_; }

@@ -61,6 +61,8 @@ std::vector<int32_t> EncodeCode39(std::string_view text) {
 
 Code39::Code39(std::string output_format) : BarcodeBase1D(std::move(output_format)) { show_start_stop = true; }
 
+Code39::Code39(SDL_Renderer* canvas) : BarcodeBase1D(canvas) { show_start_stop = true; }
+
 BarcodeBase1D::LinearSymbol Code39::Encode(const std::string& text) const {
   LinearSymbol symbol{EncodeCode39(text), text};
   if (show_start_stop) symbol.display_text = "*" + text + "*";

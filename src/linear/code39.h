@@ -19,6 +19,7 @@ std::vector<int32_t> EncodeCode39(std::string_view text);
 class Code39 : public BarcodeBase1D {
  public:
   explicit Code39(std::string output_format);
+  explicit Code39(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   std::vector<int32_t> EncodeCode39(const std::string& text) const { return internal::EncodeCode39(text); }
   bool Draw(const std::string& text, int x, int y, int width, int height) override;

@@ -73,6 +73,8 @@ std::vector<int32_t> EncodeCode93(const std::string& text) {
 
 Code93::Code93(std::string output_format) : BarcodeBase1D(std::move(output_format)) {}
 
+Code93::Code93(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
+
 std::vector<int32_t> Code93::EncodeCode93(const std::string& text) { return internal::EncodeCode93(text); }
 
 BarcodeBase1D::LinearSymbol Code93::Encode(const std::string& text) { return LinearSymbol{EncodeCode93(text), text}; }

@@ -23,6 +23,7 @@ int GetModulus47(const std::string& text, int max_weight);
 class Code93 : public BarcodeBase1D {
  public:
   explicit Code93(std::string output_format);
+  explicit Code93(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   bool Draw(const std::string& text, int x, int y, int width, int height) override;
   bool DrawSvg(const std::string& text, int x, int y, int width, int height) override;

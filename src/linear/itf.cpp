@@ -53,6 +53,8 @@ std::vector<int32_t> EncodeITF(const std::string& text, float ratio) {
 
 ITF::ITF(std::string output_format) : BarcodeBase1D(std::move(output_format)) {}
 
+ITF::ITF(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
+
 std::vector<int32_t> ITF::EncodeITF(const std::string& text) const { return internal::EncodeITF(text, ratio_); }
 
 BarcodeBase1D::LinearSymbol ITF::Encode(const std::string& text) const {

@@ -24,6 +24,7 @@ std::vector<int32_t> EncodeITF(const std::string& text, float ratio);
 class ITF : public BarcodeBase1D {
  public:
   explicit ITF(std::string output_format);
+  explicit ITF(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   void SetRatio(float ratio) { ratio_ = ratio; }
   float GetRatio() const { return ratio_; }

@@ -54,6 +54,8 @@ std::vector<int32_t> EncodeMatrix2of5(const std::string& text, float ratio) {
 
 Matrix2of5::Matrix2of5(std::string output_format) : BarcodeBase1D(std::move(output_format)) {}
 
+Matrix2of5::Matrix2of5(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
+
 std::vector<int32_t> Matrix2of5::EncodeMatrix2of5(const std::string& text) const {
   return internal::EncodeMatrix2of5(text, ratio_);
 }

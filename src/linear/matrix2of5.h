@@ -21,6 +21,7 @@ std::vector<int32_t> EncodeMatrix2of5(const std::string& text, float ratio);
 class Matrix2of5 : public BarcodeBase1D {
  public:
   explicit Matrix2of5(std::string output_format);
+  explicit Matrix2of5(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   void SetRatio(float ratio) { ratio_ = ratio; }
   float GetRatio() const { return ratio_; }

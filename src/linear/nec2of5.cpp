@@ -16,6 +16,8 @@ std::vector<int32_t> EncodeNEC2of5(const std::string& text, float ratio) {
 
 NEC2of5::NEC2of5(std::string output_format) : BarcodeBase1D(std::move(output_format)) {}
 
+NEC2of5::NEC2of5(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
+
 std::vector<int32_t> NEC2of5::EncodeNEC2of5(const std::string& text) const {
   return internal::EncodeNEC2of5(text, ratio_);
 }

@@ -18,6 +18,7 @@ std::vector<int32_t> EncodeNEC2of5(const std::string& text, float ratio);
 class NEC2of5 : public BarcodeBase1D {
  public:
   explicit NEC2of5(std::string output_format);
+  explicit NEC2of5(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   void SetRatio(float ratio) { ratio_ = ratio; }
   float GetRatio() const { return ratio_; }

@@ -76,6 +76,8 @@ std::string NW7DisplayText(const std::string& text, bool show_start_stop) {
 
 NW7::NW7(std::string output_format) : BarcodeBase1D(std::move(output_format)) { show_start_stop = true; }
 
+NW7::NW7(SDL_Renderer* canvas) : BarcodeBase1D(canvas) { show_start_stop = true; }
+
 std::vector<int32_t> NW7::EncodeNW7(const std::string& text) { return internal::EncodeNW7(text); }
 
 BarcodeBase1D::LinearSymbol NW7::Encode(const std::string& text) {

@@ -24,6 +24,7 @@ class NW7 : public BarcodeBase1D {
  public:
   // Start/stop characters are shown in the text line unless switched off.
   explicit NW7(std::string output_format);
+  explicit NW7(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   bool Draw(const std::string& text, int x, int y, int width, int height) override;
   bool DrawSvg(const std::string& text, int x, int y, int width, int height) override;

@@ -69,6 +69,8 @@ bool IsShiftJisSetting(const std::string& encoding) {
 
 BarcodeBase2D::BarcodeBase2D(std::string output_format) : BarcodeBase(std::move(output_format)) {}
 
+BarcodeBase2D::BarcodeBase2D(SDL_Renderer* canvas) : BarcodeBase(canvas) {}
+
 bool BarcodeBase2D::Draw(const std::string& text, int x, int y, int width, int height) {
   return Draw(ConvertStringToBytes(text, string_encoding_), x, y, width, height);
 }

@@ -15,6 +15,7 @@ enum class StringEncoding : int { Utf8 = 0, ShiftJis = 1 };
 class BarcodeBase2D : public BarcodeBase {
  public:
   explicit BarcodeBase2D(std::string output_format);
+  explicit BarcodeBase2D(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   using BarcodeBase::Draw;
   // Text entry: converts with the stored encoding, then draws the bytes.

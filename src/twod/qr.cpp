@@ -64,6 +64,8 @@ void LogMatrix(const ModuleMatrix& matrix) {
 
 QR::QR(std::string output_format) : BarcodeBase2D(std::move(output_format)) {}
 
+QR::QR(SDL_Renderer* canvas) : BarcodeBase2D(canvas) {}
+
 void QR::SetVersion(int version) {
   if (static_cast<unsigned>(version) > static_cast<unsigned>(qr_internal::kMaxVersion)) {
     log::Progress("Warning: Invalid QR Code version (" + std::to_string(version) + "). Setting to auto.");
@@ -129,15 +131,21 @@ bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int hei
   if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
 
   log::Progress("--- QR::Draw 開始 ---");
-  if (PrepareCanvas(x, y, width, height) == nullptr) return false;
-  // The canvas is exactly the requested size, so the box becomes the whole canvas.
-  const SDL_Surface* surface = canvas_surface();
-  x = 0;
-  y = 0;
-  width = surface->w;
-  height = surface->h;
-  log::Progress("描画先: BarcodeBase が用意したサーフェス");
-  log::Progress("サーフェスサイズ: " + std::to_string(width) + "x" + std::to_string(height));
+  // A caller's renderer takes the symbol at the box as given.
+  const bool on_caller_canvas = external_canvas() != nullptr && !IsRasterOutput();
+  if (on_caller_canvas) {
+    log::Progress("描画先: 呼び出し元のレンダラー");
+  } else {
+    if (PrepareCanvas(x, y, width, height) == nullptr) return false;
+    // The canvas is exactly the requested size, so the box becomes the whole canvas.
+    const SDL_Surface* surface = canvas_surface();
+    x = 0;
+    y = 0;
+    width = surface->w;
+    height = surface->h;
+    log::Progress("描画先: BarcodeBase が用意したサーフェス");
+    log::Progress("サーフェスサイズ: " + std::to_string(width) + "x" + std::to_string(height));
+  }
 
   // Deliberate: QRCapacityError is not caught here. A payload beyond version 40 is the
   // one failure callers must be able to tell apart, so it leaves Draw as an exception.
@@ -159,6 +167,7 @@ bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int hei
       FillRect(col_edges[col], row_edges[row], module_width, module_height, fore_color);
     }
   }
+  if (on_caller_canvas) SDL_RenderPresent(canvas_renderer());
   log::Progress("--- QR::Draw 終了 (成功) ---");
   return true;
 }

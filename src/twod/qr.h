@@ -19,6 +19,7 @@ enum class QREncodeMode : int { Numeric = 0, Alphanumeric = 1, Byte = 2, Kanji =
 class QR : public BarcodeBase2D {
  public:
   explicit QR(std::string output_format);
+  explicit QR(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
   // Stored unchecked; a value outside L..H draws as M.
   void SetErrorCorrectionLevel(QRErrorCorrectionLevel level) { level_ = level; }
