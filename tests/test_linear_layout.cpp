@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "linear/font_library.h"
 #include "linear/linear_layout.h"
 
 namespace barcode_orv {
@@ -117,6 +118,24 @@ TEST(LinearLayoutTest, EvenSpacingCentresTheRunOnTheBars) {
     EXPECT_EQ(spacing.pitch, c.pitch) << "width " << c.width;
     EXPECT_EQ(spacing.first_center, c.first_center) << "width " << c.width;
   }
+}
+
+TEST(FontSearchTest, CandidatesComeInTheFixedOrder) {
+  const std::vector<std::string> with_module = font::FontCandidates("/opt/host");
+  ASSERT_GE(with_module.size(), 4U);
+  EXPECT_EQ(with_module[0], "/opt/host/fonts/Roboto-Regular.ttf");
+  EXPECT_EQ(with_module[1], font::GetExecutablePath() + "/assets/fonts/Roboto-Regular.ttf");
+  EXPECT_EQ(with_module[2], "./assets/fonts/Roboto-Regular.ttf");
+  EXPECT_EQ(with_module[3], "/Library/Fonts/Arial.ttf");
+  // Without a module path the executable directory comes first.
+  const std::vector<std::string> without = font::FontCandidates("");
+  EXPECT_EQ(without.front(), with_module[1]);
+  EXPECT_EQ(without.size(), with_module.size() - 1);
+}
+
+TEST(FontSearchTest, TheBuildPutsTheFontBesideItsPrograms) {
+  EXPECT_EQ(font::FindFontPath(""), font::GetExecutablePath() + "/assets/fonts/Roboto-Regular.ttf");
+  EXPECT_EQ(font::FindFontPath("/nonexistent"), font::FindFontPath(""));
 }
 
 }  // namespace

@@ -43,7 +43,7 @@ std::string LibraryDirectory() {
 
 }  // namespace
 
-std::string ExecutableDirectory() {
+std::string GetExecutablePath() {
   std::string path;
 #if defined(__APPLE__)
   char buffer[1024];
@@ -63,7 +63,7 @@ std::string ExecutableDirectory() {
 std::vector<std::string> FontCandidates(const std::string& module_path) {
   std::vector<std::string> candidates;
   if (!module_path.empty()) candidates.push_back(module_path + "/fonts/" + kFontFile);
-  const std::string exe_dir = ExecutableDirectory();
+  const std::string exe_dir = GetExecutablePath();
   if (!exe_dir.empty()) candidates.push_back(exe_dir + "/assets/fonts/" + kFontFile);
   candidates.push_back(std::string("./assets/fonts/") + kFontFile);
   candidates.emplace_back("/Library/Fonts/Arial.ttf");

@@ -10,7 +10,7 @@
 namespace barcode_orv::font {
 
 // Directory of the running executable (without the trailing '/'), or "./".
-std::string ExecutableDirectory();
+std::string GetExecutablePath();
 
 // Candidate font files in search order, for the given module path.
 std::vector<std::string> FontCandidates(const std::string& module_path);
