@@ -64,14 +64,9 @@ void BarcodeBase1D::DestroyFont() {
   TTF_Quit();
 }
 
-bool BarcodeBase1D::HasFont() {
-  const std::lock_guard<std::mutex> lock(font::Mutex());
-  return m_font != nullptr;
-}
-
 // ---- Width-list symbols ----
 
-BarLayout BarcodeBase1D::LayoutFor(const std::vector<int32_t>& widths, int x, int /*y*/, int box_width) const {
+BarLayout BarcodeBase1D::LayoutFor(const std::vector<int32_t>& widths, int x, int box_width) const {
   int64_t total = 0;
   for (int32_t width : widths) total += width;
   const float unit = ModuleWidthFor(box_width, total, fit_width);
@@ -79,7 +74,7 @@ BarLayout BarcodeBase1D::LayoutFor(const std::vector<int32_t>& widths, int x, in
 }
 
 int BarcodeBase1D::PaintBarsRaster(const std::vector<int32_t>& widths, int x, int y, int box_width) {
-  const BarLayout layout = LayoutFor(widths, x, y, box_width);
+  const BarLayout layout = LayoutFor(widths, x, box_width);
   for (const BarRect& bar : layout.bars) {
     FillRectF(bar.x, static_cast<float>(y), bar.width, bar_height, fore_color);
   }
@@ -87,7 +82,7 @@ int BarcodeBase1D::PaintBarsRaster(const std::vector<int32_t>& widths, int x, in
 }
 
 int BarcodeBase1D::PaintBarsSvg(const std::vector<int32_t>& widths, int x, int y, int box_width) {
-  const BarLayout layout = LayoutFor(widths, x, y, box_width);
+  const BarLayout layout = LayoutFor(widths, x, box_width);
   for (const BarRect& bar : layout.bars) {
     SvgRect(bar.x, static_cast<float>(y), bar.width, bar_height, fore_color);
   }

@@ -39,7 +39,6 @@ class BarcodeBase1D : public BarcodeBase {
   // Opens the shared font once per process; false (and no text) when none is usable.
   static bool InitFont();
   static void DestroyFont();
-  static bool HasFont();
 
  protected:
   // What a width-list symbology hands to the shared layout: element widths in modules
@@ -65,7 +64,7 @@ class BarcodeBase1D : public BarcodeBase {
   // Paints bars for `widths` from (x, y), bar_height tall; returns the drawn width.
   int PaintBarsRaster(const std::vector<int32_t>& widths, int x, int y, int box_width);
   int PaintBarsSvg(const std::vector<int32_t>& widths, int x, int y, int box_width);
-  BarLayout LayoutFor(const std::vector<int32_t>& widths, int x, int y, int box_width) const;
+  BarLayout LayoutFor(const std::vector<int32_t>& widths, int x, int box_width) const;
 
   // Human-readable line under a symbol drawn `width` pixels wide in a box `height` tall.
   void RenderText(const std::string& text, int x, int y, int width, int height);

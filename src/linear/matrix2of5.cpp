@@ -47,31 +47,39 @@ std::vector<int32_t> EncodeTwoOfFiveMatrix(const std::string& text, float ratio,
 }
 
 std::vector<int32_t> EncodeMatrix2of5(const std::string& text, float ratio) {
-  return EncodeTwoOfFiveMatrix(text, ratio, "Matrix 2 of 5 barcode requires numeric digits only");
+  return EncodeTwoOfFiveMatrix(text, ratio, kMatrix2of5NumericError);
 }
 
 }  // namespace internal
 
-Matrix2of5::Matrix2of5(std::string output_format) : BarcodeBase1D(std::move(output_format)) {}
+TwoOfFiveMatrixBarcode::TwoOfFiveMatrixBarcode(std::string output_format, const char* numeric_error,
+                                               const char* log_prefix)
+    : BarcodeBase1D(std::move(output_format)), numeric_error_(numeric_error), log_prefix_(log_prefix) {}
 
-Matrix2of5::Matrix2of5(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
+TwoOfFiveMatrixBarcode::TwoOfFiveMatrixBarcode(SDL_Renderer* canvas, const char* numeric_error, const char* log_prefix)
+    : BarcodeBase1D(canvas), numeric_error_(numeric_error), log_prefix_(log_prefix) {}
 
-std::vector<int32_t> Matrix2of5::EncodeMatrix2of5(const std::string& text) const {
-  return internal::EncodeMatrix2of5(text, ratio_);
+std::vector<int32_t> TwoOfFiveMatrixBarcode::EncodeWidths(const std::string& text) const {
+  return internal::EncodeTwoOfFiveMatrix(text, ratio_, numeric_error_);
 }
 
-BarcodeBase1D::LinearSymbol Matrix2of5::Encode(const std::string& text) const {
-  return LinearSymbol{EncodeMatrix2of5(text), text};
+BarcodeBase1D::LinearSymbol TwoOfFiveMatrixBarcode::Encode(const std::string& text) const {
+  return LinearSymbol{EncodeWidths(text), text};
 }
 
-bool Matrix2of5::Draw(const std::string& text, int x, int y, int width, int height) {
+bool TwoOfFiveMatrixBarcode::Draw(const std::string& text, int x, int y, int width, int height) {
   if (IsSvgOutput()) return DrawSvg(text, x, y, width, height);
-  return DrawLinearRaster(text, x, y, width, height, "[Matrix2of5] ",
-                          [this](const std::string& t) { return Encode(t); });
+  return DrawLinearRaster(text, x, y, width, height, log_prefix_, [this](const std::string& t) { return Encode(t); });
 }
 
-bool Matrix2of5::DrawSvg(const std::string& text, int x, int y, int width, int height) {
-  return DrawLinearSvg(text, x, y, width, height, "[Matrix2of5] ", [this](const std::string& t) { return Encode(t); });
+bool TwoOfFiveMatrixBarcode::DrawSvg(const std::string& text, int x, int y, int width, int height) {
+  return DrawLinearSvg(text, x, y, width, height, log_prefix_, [this](const std::string& t) { return Encode(t); });
 }
+
+Matrix2of5::Matrix2of5(std::string output_format)
+    : TwoOfFiveMatrixBarcode(std::move(output_format), internal::kMatrix2of5NumericError, "[Matrix2of5] ") {}
+
+Matrix2of5::Matrix2of5(SDL_Renderer* canvas)
+    : TwoOfFiveMatrixBarcode(canvas, internal::kMatrix2of5NumericError, "[Matrix2of5] ") {}
 
 }  // namespace barcode_orv

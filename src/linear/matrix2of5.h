@@ -16,24 +16,39 @@ namespace internal {
 std::vector<int32_t> EncodeTwoOfFiveMatrix(const std::string& text, float ratio, const char* numeric_error);
 std::vector<int32_t> EncodeMatrix2of5(const std::string& text, float ratio);
 
+inline constexpr const char* kMatrix2of5NumericError = "Matrix 2 of 5 barcode requires numeric digits only";
+
 }  // namespace internal
 
-class Matrix2of5 : public BarcodeBase1D {
+// Matrix 2 of 5 and NEC 2 of 5 are one symbol under two names: the same encoder and
+// drawing, each with its own error message and log prefix.
+class TwoOfFiveMatrixBarcode : public BarcodeBase1D {
  public:
-  explicit Matrix2of5(std::string output_format);
-  explicit Matrix2of5(SDL_Renderer* canvas);  // draws onto the caller's renderer
-
   void SetRatio(float ratio) { ratio_ = ratio; }
   float GetRatio() const { return ratio_; }
 
   bool Draw(const std::string& text, int x, int y, int width, int height) override;
   bool DrawSvg(const std::string& text, int x, int y, int width, int height) override;
-  std::vector<int32_t> EncodeMatrix2of5(const std::string& text) const;
+
+ protected:
+  TwoOfFiveMatrixBarcode(std::string output_format, const char* numeric_error, const char* log_prefix);
+  TwoOfFiveMatrixBarcode(SDL_Renderer* canvas, const char* numeric_error, const char* log_prefix);
+  std::vector<int32_t> EncodeWidths(const std::string& text) const;
 
  private:
   LinearSymbol Encode(const std::string& text) const;
 
   float ratio_ = 1.0F;
+  const char* numeric_error_;
+  const char* log_prefix_;
+};
+
+class Matrix2of5 : public TwoOfFiveMatrixBarcode {
+ public:
+  explicit Matrix2of5(std::string output_format);
+  explicit Matrix2of5(SDL_Renderer* canvas);  // draws onto the caller's renderer
+
+  std::vector<int32_t> EncodeMatrix2of5(const std::string& text) const { return EncodeWidths(text); }
 };
 
 }  // namespace barcode_orv
