@@ -15,9 +15,10 @@ constexpr int kSharedFontPoints = 18;
 constexpr int kMaxRasterFontPoints = 2048;
 
 // The path the shared font was opened from; the per-size fonts come from the same file.
+// Never destroyed by itself, so the font teardown can still clear it at exit.
 std::string& SharedFontPath() {
-  static std::string path;
-  return path;
+  static auto* path = new std::string();
+  return *path;
 }
 
 }  // namespace
@@ -37,7 +38,11 @@ std::string BarcodeBase1D::GetFontPath() { return font::FindFontPath(GetModulePa
 bool BarcodeBase1D::InitFont() {
   const std::lock_guard<std::mutex> lock(font::Mutex());
   if (m_font != nullptr) return true;
-  if (TTF_WasInit() == 0 && TTF_Init() != 0) {
+  // Constructed after the mutex, so it is destroyed before it: at unload or exit the
+  // fonts close while the library's own SDL_ttf reference still keeps FreeType alive.
+  static const FontTeardown teardown;
+  if (font::TornDown()) return false;
+  if (!font::HoldTtf()) {
     log::Error(std::string("SDL_ttfの初期化に失敗: ") + SDL_GetError());
     return false;
   }
@@ -57,11 +62,22 @@ bool BarcodeBase1D::InitFont() {
 
 void BarcodeBase1D::DestroyFont() {
   const std::lock_guard<std::mutex> lock(font::Mutex());
+  CloseFontsLocked();
+}
+
+void BarcodeBase1D::CloseFontsLocked() {
   font::CloseSizedFonts();
   if (m_font != nullptr) TTF_CloseFont(m_font);
   m_font = nullptr;
   SharedFontPath().clear();
-  TTF_Quit();
+  // Only the library's own reference: a host's SDL_ttf stays initialised.
+  font::ReleaseTtf();
+}
+
+BarcodeBase1D::FontTeardown::~FontTeardown() {
+  const std::lock_guard<std::mutex> lock(font::Mutex());
+  CloseFontsLocked();
+  font::MarkTornDown();
 }
 
 // ---- Width-list symbols ----
@@ -133,14 +149,16 @@ bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int wid
 
 namespace {
 
-// Draws one rendered piece with its top at `top`, or higher when the glyphs are taller
-// than the font size, so nothing hangs below the box.
-bool BlitText(SDL_Renderer* renderer, SDL_Surface* rendered, int left, int bottom, int font_size) {
+// Draws one rendered piece with its top at `bottom` - font size, or higher when the
+// glyphs are taller than the font size, so nothing hangs below the box. Positions come in
+// a wide type and are clamped once: absurd scales or boxes put them off the canvas, never
+// into an overflow.
+bool BlitText(SDL_Renderer* renderer, SDL_Surface* rendered, int64_t left, int64_t bottom, int font_size) {
   TexturePtr texture(SDL_CreateTextureFromSurface(renderer, rendered));
   if (!texture) return false;
   SDL_SetTextureBlendMode(texture.get(), SDL_BLENDMODE_BLEND);
-  const int top = rendered->h > font_size ? bottom - rendered->h : bottom - font_size;
-  const SDL_Rect target{left, top, rendered->w, rendered->h};
+  const int64_t top = bottom - std::max<int64_t>(rendered->h, font_size);
+  const SDL_Rect target{ClampToPixel(left), ClampToPixel(top), rendered->w, rendered->h};
   SDL_RenderCopy(renderer, texture.get(), nullptr, &target);
   return true;
 }
@@ -154,10 +172,13 @@ void BarcodeBase1D::RenderText(const std::string& text, int x, int y, int width,
   const TextSpacing spacing = EvenTextSpacing(width, height, text.size(), text_font_scale, text_margin_scale);
   TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(spacing.font_size, kMaxRasterFontPoints));
   if (font == nullptr) return;
-  const int bottom = y + height;
+  const int64_t bottom = int64_t{y} + height;
   if (!text_even_spacing) {
     SurfacePtr rendered(TTF_RenderUTF8_Blended(font, text.c_str(), fore_color));
-    if (rendered) BlitText(canvas_renderer(), rendered.get(), x + (width - rendered->w) / 2, bottom, spacing.font_size);
+    if (rendered) {
+      const int64_t left = int64_t{x} + (int64_t{width} - rendered->w) / 2;  // NOLINT(bugprone-integer-division)
+      BlitText(canvas_renderer(), rendered.get(), left, bottom, spacing.font_size);
+    }
     return;
   }
   for (size_t i = 0; i < text.size(); ++i) {
@@ -168,7 +189,7 @@ void BarcodeBase1D::RenderText(const std::string& text, int x, int y, int width,
       continue;
     }
     const int64_t center = int64_t{x} + spacing.first_center + static_cast<int64_t>(i) * spacing.pitch;
-    const auto left = static_cast<int>(center - rendered->w / 2);
+    const int64_t left = center - rendered->w / 2;  // NOLINT(bugprone-integer-division)
     if (!BlitText(canvas_renderer(), rendered.get(), left, bottom, spacing.font_size)) {
       log::Error(std::string("SDL_CreateTextureFromSurface error: ") + SDL_GetError());
     }

@@ -38,6 +38,8 @@ class BarcodeBase1D : public BarcodeBase {
   static std::string GetFontPath();
   // Opens the shared font once per process; false (and no text) when none is usable.
   static bool InitFont();
+  // Closes every font and drops the library's own SDL_ttf reference; a later InitFont
+  // opens them again.
   static void DestroyFont();
 
  protected:
@@ -81,6 +83,17 @@ class BarcodeBase1D : public BarcodeBase {
 
   // The process-wide font opened at 18 points by the first linear object.
   static TTF_Font* m_font;
+
+ private:
+  // Closes the fonts when the library is unloaded or the process exits; after that no
+  // draw touches SDL_ttf again.
+  struct FontTeardown {
+    FontTeardown() = default;
+    FontTeardown(const FontTeardown&) = delete;
+    FontTeardown& operator=(const FontTeardown&) = delete;
+    ~FontTeardown();
+  };
+  static void CloseFontsLocked();  // caller holds font::Mutex()
 };
 
 }  // namespace barcode_orv

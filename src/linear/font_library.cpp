@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <climits>
 #include <map>
 
@@ -21,14 +22,21 @@ constexpr const char* kFontFile = "Roboto-Regular.ttf";
 // Draws use a handful of sizes; beyond this many the cache starts over.
 constexpr size_t kMaxSizedFonts = 16;
 
+// Plain flags with constant initialisation: still readable while other objects of static
+// storage are being destroyed.
+std::atomic<bool> holds_ttf{false};
+std::atomic<bool> torn_down{false};
+
 bool PathExists(const std::string& path) {
   struct stat info {};
   return ::stat(path.c_str(), &info) == 0;
 }
 
+// Never destroyed by itself: the teardown in the linear base closes its fonts while
+// SDL_ttf is still held, whatever order the other static objects go in.
 std::map<int, FontPtr>& SizedFonts() {
-  static std::map<int, FontPtr> fonts;
-  return fonts;
+  static auto* fonts = new std::map<int, FontPtr>();
+  return *fonts;
 }
 
 // Directory of the file this library was loaded from (the shared or the linking
@@ -108,5 +116,20 @@ TTF_Font* SizedFont(const std::string& path, int points) {
 }
 
 void CloseSizedFonts() { SizedFonts().clear(); }
+
+bool HoldTtf() {
+  if (holds_ttf) return true;
+  if (TTF_Init() != 0) return false;
+  holds_ttf = true;
+  return true;
+}
+
+void ReleaseTtf() {
+  if (holds_ttf.exchange(false)) TTF_Quit();
+}
+
+void MarkTornDown() { torn_down = true; }
+
+bool TornDown() { return torn_down; }
 
 }  // namespace barcode_orv::font

@@ -28,4 +28,14 @@ TTF_Font* SizedFont(const std::string& path, int points);
 // Closes every sized font.
 void CloseSizedFonts();
 
+// Takes the library's own SDL_ttf reference (its own TTF_Init, once), so that a host's
+// TTF_Quit never frees the faces held here. False when SDL_ttf cannot start.
+bool HoldTtf();
+// Gives that reference back with the matching TTF_Quit, if it is held.
+void ReleaseTtf();
+
+// Set once the process-wide fonts were closed for good (library unload, process exit).
+void MarkTornDown();
+bool TornDown();
+
 }  // namespace barcode_orv::font
