@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <climits>
 #include <cmath>
+#include <cstdint>
 #include <mutex>
 #include <stdexcept>
 
@@ -61,7 +63,11 @@ bool BarcodeBase::IsRasterOutput() const {
 bool BarcodeBase::Draw(const std::string& /*text*/, int /*x*/, int /*y*/, int width, int height) {
   draw_width = width;
   draw_height = height;
-  if (!IsRasterOutput()) return true;
+  if (!IsRasterOutput()) {
+    // Silent by default; a host can still read why nothing was drawn.
+    if (!IsSvgOutput() && external_canvas_ == nullptr) log::Reason("Unknown output format \"" + output_format_ + "\"");
+    return true;
+  }
   if (!CreateSurface(width, height)) return false;
   ClearCanvas(back_color);
   return true;
@@ -71,11 +77,32 @@ bool BarcodeBase::DrawSvg(const std::string& /*text*/, int /*x*/, int /*y*/, int
   return false;
 }
 
+std::string BarcodeBase::CanvasSizeProblem(int width, int height) {
+  // SDL addresses the pixels with int offsets and lays rectangles out in float: beyond
+  // either limit it writes outside the canvas instead of failing.
+  constexpr int64_t kMaxSide = int64_t{1} << 24;
+  constexpr int64_t kMaxBytes = INT_MAX;
+  const int64_t bytes = int64_t{width} * height * 4;
+  if (width <= kMaxSide && height <= kMaxSide && bytes <= kMaxBytes) return {};
+  return "canvas " + std::to_string(width) + "x" + std::to_string(height) + " is larger than " +
+         std::to_string(kMaxBytes) + " bytes or " + std::to_string(kMaxSide) + " pixels a side";
+}
+
 bool BarcodeBase::CreateSurface(int width, int height) {
+  if (const std::string problem = CanvasSizeProblem(width, height); !problem.empty()) {
+    log::Error("サーフェス作成に失敗: " + problem);
+    return false;
+  }
   // A canvas of the same size is reused: every draw clears it before painting, so the
   // result is the same as a fresh one without the allocation.
   if (surface_ && renderer_ && surface_->w == width && surface_->h == height) return true;
   ReleaseCanvas();
+  // SDL shares one format object among all surfaces of a format and frees it with the
+  // last of them. Keeping it for the process saves that allocation per canvas and keeps
+  // threads drawing on separate handles from freeing and re-making it under each other
+  // (SDL's spinlock around its refcount is invisible to thread sanitizers).
+  static SDL_PixelFormat* const kept_format = SDL_AllocFormat(SDL_PIXELFORMAT_ABGR8888);
+  (void)kept_format;
   SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ABGR8888));
   if (!surface) {
     log::Error(std::string("サーフェス作成に失敗: ") + SDL_GetError());
@@ -152,7 +179,9 @@ std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {
   }
   std::vector<uint8_t> png = EncodeSurfacePng(surface);
   if (png.empty()) {
-    log::Progress(std::string("ERROR: PNG保存に失敗しました: ") + SDL_GetError());
+    const std::string line = std::string("ERROR: PNG保存に失敗しました: ") + SDL_GetError();
+    log::Progress(line);
+    log::Reason(line);
     return {};
   }
   if (!log::Quiet()) {

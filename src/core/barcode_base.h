@@ -66,6 +66,10 @@ class BarcodeBase : public IBarcodeSymbology {
   SDL_Color GetForegroundColor() const { return fore_color; }
   SDL_Color GetBackgroundColor() const { return back_color; }
 
+  // Why a raster canvas of width x height cannot be made, or "" when it can (sizes that
+  // are not positive are left to SDL).
+  static std::string CanvasSizeProblem(int width, int height);
+
   static std::string Base64Encode(const uint8_t* bytes, size_t length);
   static std::string GetFallbackImage();
 

@@ -1,5 +1,6 @@
 #include "linear/linear_layout.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace barcode_orv {
@@ -37,6 +38,11 @@ constexpr int kMinTextHeight = 8;
 constexpr int kMinTextGap = 2;
 
 }  // namespace
+
+int ClampToPixel(int64_t coordinate) {
+  constexpr int64_t kLimit = int64_t{1} << 24;
+  return static_cast<int>(std::clamp(coordinate, -kLimit, kLimit));
+}
 
 int TextHeightFor(int height, float font_scale) {
   const int size = TruncateToInt(TextHeightFactor(height) * height * font_scale);

@@ -15,6 +15,10 @@ int TextGapFor(int height, float gap_scale);
 // Height of the bars for a box `height` tall with `text_lines` lines of text.
 float BarHeightFor(int height, bool show_text, float font_scale, float gap_scale, int text_lines);
 
+// A pixel coordinate computed in a wide type, clamped to +-2^24: beyond that it is off
+// every canvas, and within it the renderer's own int and float arithmetic is exact.
+int ClampToPixel(int64_t coordinate);
+
 // Pixels per module: the exact fraction with fit_width, else a whole number >= 1.
 float ModuleWidthFor(int box_width, int64_t total_modules, bool fit_width);
 
