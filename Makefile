@@ -5,7 +5,9 @@ BUILD_DIR ?= build
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build test demo bench fuzz sanitize format-check install clean
+FUZZ_SECONDS ?= 60
+
+.PHONY: all deps build test demo bench fuzz-build fuzz fuzz-long fuzz-merge sanitize tsan format-check install clean
 
 all: build
 
@@ -32,17 +34,35 @@ sanitize: deps
 	cmake --build $(BUILD_DIR)-asan -j $(JOBS)
 	cd $(BUILD_DIR)-asan && ctest --output-on-failure -j $(JOBS)
 
-fuzz: deps
+# The thread-safety suite under ThreadSanitizer.
+tsan: deps
+	cmake -S . -B $(BUILD_DIR)-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBARCODE_ORV_TSAN=ON \
+	  -DBARCODE_ORV_BUILD_TOOLS=OFF $(CMAKE_FLAGS)
+	cmake --build $(BUILD_DIR)-tsan -j $(JOBS) --target test_threads
+	BARCODE_ORV_QUIET=1 TSAN_OPTIONS="halt_on_error=1" $(BUILD_DIR)-tsan/test_threads
+
+fuzz-build: deps
 	CC=clang CXX=clang++ cmake -S . -B $(BUILD_DIR)-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 	  -DBARCODE_ORV_BUILD_FUZZ=ON -DBARCODE_ORV_BUILD_TESTS=OFF -DBARCODE_ORV_BUILD_TOOLS=OFF
 	cmake --build $(BUILD_DIR)-fuzz -j $(JOBS) --target fuzz_c_interface
-	bash scripts/run-fuzz.sh $(BUILD_DIR)-fuzz/fuzz_c_interface 60
+
+# CI's run: a minute from the kept corpus.
+fuzz: fuzz-build
+	bash scripts/run-fuzz.sh $(BUILD_DIR)-fuzz/fuzz_c_interface $(FUZZ_SECONDS)
+
+# After a change to parsing or layout: an hour on one core.
+fuzz-long: fuzz-build
+	bash scripts/run-fuzz.sh $(BUILD_DIR)-fuzz/fuzz_c_interface 3600
+
+# Minimises the kept corpus together with what the runs found (libFuzzer -merge=1).
+fuzz-merge: fuzz-build
+	bash scripts/merge-fuzz-corpus.sh $(BUILD_DIR)-fuzz/fuzz_c_interface
 
 format-check: deps
-	clang-format --dry-run -Werror src/*/*.cpp src/*/*.h include/*.h tools/*.cpp tests/*.cpp tests/support/* bench/*.cpp fuzz/*.cpp
+	clang-format --dry-run -Werror src/*/*.cpp src/*/*.h include/*.h tools/*.cpp tests/*.cpp tests/support/* tests/host/*.c bench/*.cpp fuzz/*.cpp
 
 install: build
 	cmake --install $(BUILD_DIR)
 
 clean:
-	rm -rf $(BUILD_DIR) $(BUILD_DIR)-bench $(BUILD_DIR)-asan $(BUILD_DIR)-fuzz out
+	rm -rf $(BUILD_DIR) $(BUILD_DIR)-bench $(BUILD_DIR)-asan $(BUILD_DIR)-tsan $(BUILD_DIR)-fuzz out

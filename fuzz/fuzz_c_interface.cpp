@@ -83,6 +83,8 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
   const std::string text = Text(in);
   const char* c_text = text.c_str();
   const int number = in.ConsumeIntegral<int>();
+  // New calls join existing cases without consuming more input, so that saved inputs
+  // (the corpus, past crash reproducers) keep replaying the same call sequence.
   switch (in.ConsumeIntegralInRange(0, 31)) {
     case 0: barcode_set_output_format(handle, c_text); break;
     case 1:
@@ -120,7 +122,11 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
     case 27: (void)barcode_calculate_check_digit_14(c_text); break;
     case 28: barcode_set_symbol_type_exp(handle, c_text); break;
     case 29: barcode_set_no_of_columns(handle, in.ConsumeIntegralInRange(-2, 30)); break;
-    case 30: (void)barcode_is_svg_output(handle); break;
+    case 30:
+      (void)barcode_is_svg_output(handle);
+      (void)barcode_get_last_error(handle);
+      barcode_set_throw_on_capacity_error(handle, number % 3);
+      break;
     default: barcode_set_output_format(handle, in.ConsumeBool() ? "svg" : "png"); break;
   }
 }

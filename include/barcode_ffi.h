@@ -5,6 +5,11 @@
  * the PNG bytes, a base64 data URI or an SVG document. Results belong to the handle.
  * Every function accepts a null handle or null text and then returns its neutral value
  * (0, "", or NULL); options that do not apply to the handle's symbology are ignored.
+ *
+ * Threads: separate handles may be used from separate threads at the same time; one
+ * handle must be used by one thread at a time. The library's process-wide state (the
+ * font, its size cache, the Code 128 memo) is guarded inside. The one process-wide
+ * result is that of barcode_calculate_check_digit_14 (see there).
  */
 #ifndef BARCODE_ORV_BARCODE_FFI_H
 #define BARCODE_ORV_BARCODE_FFI_H
@@ -71,6 +76,16 @@ BARCODE_API const char* barcode_get_base64(BarcodeHandle* handle);
 /* PNG file bytes of the last raster draw, their count in *size. NULL (size 0) when
  * there is no canvas. Valid until the next successful call on this handle. */
 BARCODE_API const uint8_t* barcode_get_image_data(BarcodeHandle* handle, uint32_t* size);
+
+/* Why the last draw on this handle failed, in the words of its line on standard error
+ * (without the line end), or a reason for failures that print nothing (an unknown output
+ * format); "" after a successful draw or before any. Valid until the next draw on this
+ * handle or barcode_destroy. */
+BARCODE_API const char* barcode_get_last_error(BarcodeHandle* handle);
+/* 1 (default): a QR payload beyond version 40 throws out of the draw function, as
+ * documented there. 0: that draw returns 0 like any other failure and
+ * barcode_get_last_error says why, so a C host never sees an exception. */
+BARCODE_API void barcode_set_throw_on_capacity_error(BarcodeHandle* handle, int on);
 
 /* ---- Options for every symbology ---- */
 
@@ -157,7 +172,10 @@ BARCODE_API void barcode_set_symbol_type_14(BarcodeHandle* handle, const char* n
 BARCODE_API const char* barcode_get_symbol_type_14(BarcodeHandle* handle);
 /* DataBar-14 encoding of `text` (type 12); 0 when rejected. */
 BARCODE_API int barcode_encode_14(BarcodeHandle* handle, const char* text);
-/* GTIN check digit text for `text`; one process-wide result, valid until the next call. */
+/* GTIN check digit text for `text` (13 digits). The result is process-wide, not held by
+ * a handle: every call returns the same pointer, whose text is the latest result from
+ * any thread. Concurrent calls never tear it (the writes are locked), but a caller that
+ * needs its own result must copy it before another thread calls. */
 BARCODE_API const char* barcode_calculate_check_digit_14(const char* text);
 /* DataBar Expanded form: "UNSTACKED" or "STACKED" (type 14). */
 BARCODE_API void barcode_set_symbol_type_exp(BarcodeHandle* handle, const char* name);

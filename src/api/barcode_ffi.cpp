@@ -4,6 +4,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <mutex>
 #include <string>
 
 #include "api/ffi_internal.h"
@@ -13,6 +14,7 @@
 
 using barcode_orv::BarcodeBase;
 using barcode_orv::BarcodeBase1D;
+using barcode_orv::ffi::GuardDraw;
 using barcode_orv::ffi::ObjectFor;
 using barcode_orv::ffi::ObjectOf;
 
@@ -39,18 +41,6 @@ void GuardSetter(Body&& body) noexcept {
   try {
     body();
   } catch (...) {  // NOLINT(bugprone-empty-catch): a setter has no error channel
-  }
-}
-
-// Runs a draw; the capacity error goes to the caller, anything else reads as failure.
-template <typename Body>
-int GuardDraw(Body&& body) {
-  try {
-    return body() ? 1 : 0;
-  } catch (const barcode_orv::SymbolCapacityError&) {
-    throw;
-  } catch (...) {
-    return 0;
   }
 }
 
@@ -111,7 +101,9 @@ const uint8_t* barcode_get_image_data(BarcodeHandle* handle, uint32_t* size) {
   BarcodeBase* object = ObjectOf(handle);
   if (object == nullptr || size == nullptr) return nullptr;
   try {
+    const barcode_orv::log::ReasonCapture capture;
     std::vector<uint8_t> png = object->GetImageMemory();
+    if (png.empty() && !capture.last().empty()) handle->last_error = capture.last();
     handle->image_data = std::move(png);
     *size = static_cast<uint32_t>(handle->image_data.size());
     return handle->image_data.empty() ? nullptr : handle->image_data.data();
@@ -119,6 +111,14 @@ const uint8_t* barcode_get_image_data(BarcodeHandle* handle, uint32_t* size) {
     *size = 0;
     return nullptr;
   }
+}
+
+const char* barcode_get_last_error(BarcodeHandle* handle) {
+  return handle == nullptr ? kEmpty : handle->last_error.c_str();
+}
+
+void barcode_set_throw_on_capacity_error(BarcodeHandle* handle, int on) {
+  if (handle != nullptr) handle->throw_on_capacity_error = on != 0;
 }
 
 // ---- Options for every symbology ----
@@ -177,7 +177,7 @@ void barcode_set_extended_guard(BarcodeHandle* handle, int /*extended*/) {
 int barcode_draw_1d(BarcodeHandle* handle, const char* text, int width, int height) {
   BarcodeBase* object = ObjectOf(handle);
   if (object == nullptr || text == nullptr) return 0;
-  return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, width, height); });
+  return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int /*size*/) {
@@ -189,7 +189,7 @@ int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int /*size*/) {
 int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int width, int height) {
   BarcodeBase* object = ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER});
   if (object == nullptr || text == nullptr) return 0;
-  return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, width, height); });
+  return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {
@@ -222,11 +222,17 @@ int barcode_encode_14(BarcodeHandle* handle, const char* text) {
 }
 
 const char* barcode_calculate_check_digit_14(const char* text) {
-  static std::string result;  // one process-wide result, as documented
+  // One process-wide result, as documented: a fixed buffer whose address never changes,
+  // written under a lock so that concurrent calls cannot tear it.
+  static std::mutex mutex;
+  static char result[2] = "";
   if (text == nullptr) return kEmpty;
   try {
-    result = barcode_orv::internal::GtinCheckDigit13(text);
-    return result.c_str();
+    const std::string digit = barcode_orv::internal::GtinCheckDigit13(text);
+    if (digit.size() != 1) return kEmpty;
+    const std::lock_guard<std::mutex> lock(mutex);
+    result[0] = digit[0];
+    return result;
   } catch (...) {
     return kEmpty;
   }

@@ -10,6 +10,7 @@
 using barcode_orv::BarcodeBase2D;
 using barcode_orv::QR;
 using barcode_orv::QRErrorCorrectionLevel;
+using barcode_orv::ffi::GuardDraw;
 using barcode_orv::ffi::ObjectFor;
 
 namespace {
@@ -44,18 +45,6 @@ void GuardSetter(Body&& body) noexcept {
   try {
     body();
   } catch (...) {  // NOLINT(bugprone-empty-catch)
-  }
-}
-
-// Runs a draw: the QR capacity error reaches the caller, any other failure reads as 0.
-template <typename Body>
-int GuardDraw(Body&& body) {
-  try {
-    return body() ? 1 : 0;
-  } catch (const barcode_orv::qr_internal::QRCapacityError&) {
-    throw;
-  } catch (...) {
-    return 0;
   }
 }
 
@@ -112,13 +101,13 @@ void barcode_set_y_height(BarcodeHandle* handle, int /*y_height*/) { ForPdf417(h
 int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size) {
   BarcodeBase2D* object = TwoDObject(handle);
   if (object == nullptr || text == nullptr) return 0;
-  return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, size); });
+  return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, size); });
 }
 
 int barcode_draw_2d_rect(BarcodeHandle* handle, const char* text, int width, int height) {
   BarcodeBase2D* object = TwoDObject(handle);
   if (object == nullptr || text == nullptr) return 0;
-  return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, width, height); });
+  return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
 }  // extern "C"

@@ -19,6 +19,23 @@ void Progress(std::string_view line) {
   std::cout << line << '\n';
 }
 
-void Error(std::string_view line) { std::cerr << line << std::endl; }
+namespace {
+thread_local ReasonCapture* current_capture = nullptr;
+}  // namespace
+
+void Record(std::string_view line) {
+  if (current_capture != nullptr) current_capture->last_.assign(line.data(), line.size());
+}
+
+ReasonCapture::ReasonCapture() : outer_(current_capture) { current_capture = this; }
+
+ReasonCapture::~ReasonCapture() { current_capture = outer_; }
+
+void Error(std::string_view line) {
+  std::cerr << line << std::endl;
+  Record(line);
+}
+
+void Reason(std::string_view line) { Record(line); }
 
 }  // namespace barcode_orv::log

@@ -2,6 +2,7 @@
 // BARCODE_ORV_QUIET=1) and error lines on standard error (never silenced).
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace barcode_orv::log {
@@ -12,7 +13,29 @@ bool Quiet();
 // Writes `line` and a line feed to standard output unless quiet.
 void Progress(std::string_view line);
 
-// Writes `line` and a line feed to standard error.
+// Writes `line` and a line feed to standard error, and records it as the failure reason
+// of the call under way on this thread (see ReasonCapture).
 void Error(std::string_view line);
+
+// Records `line` as the failure reason without writing it anywhere: for failures whose
+// default behaviour is silent or reported on standard output.
+void Reason(std::string_view line);
+
+// While alive, collects the last reason recorded on this thread, so that the C interface
+// can tell a host why a call failed. Captures nest; the innermost one collects.
+class ReasonCapture {
+ public:
+  ReasonCapture();
+  ~ReasonCapture();
+  ReasonCapture(const ReasonCapture&) = delete;
+  ReasonCapture& operator=(const ReasonCapture&) = delete;
+
+  const std::string& last() const { return last_; }
+
+ private:
+  friend void Record(std::string_view line);
+  std::string last_;
+  ReasonCapture* outer_;
+};
 
 }  // namespace barcode_orv::log
