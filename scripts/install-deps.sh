@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config
-  libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev
+  libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev libpng-dev
   fonts-roboto-unhinted
   libgtest-dev libbenchmark-dev libzxing-dev
   clang libclang-rt-dev clang-format

@@ -76,18 +76,33 @@ void ExpectSamePixels(SDL_Surface* surface, const std::vector<uint8_t>& png) {
   }
 }
 
-TEST(PngEncoderTest, IndexedPathKeepsEveryPixelIncludingAlpha) {
-  SurfacePtr surface = MakeSurface(61, 23);
-  std::mt19937 rng(7);
-  // 200 distinct colours, many translucent, in runs and scattered.
-  std::vector<uint32_t> palette(200);
-  for (auto& colour : palette) colour = rng();
-  auto* pixels = static_cast<uint32_t*>(surface->pixels);
-  for (int i = 0; i < 61 * 23; ++i) pixels[i] = palette[(i / 3 + rng() % 2) % palette.size()];
-  const std::vector<uint8_t> png = EncodeSurfacePng(surface.get());
-  ASSERT_GT(png.size(), 8U);
-  EXPECT_EQ(png[25], 3) << "expected an indexed (palette) PNG";  // IHDR colour type
-  ExpectSamePixels(surface.get(), png);
+TEST(PngEncoderTest, PaletteImagesKeepEveryPixelAtEachBitDepth) {
+  struct Case {
+    int colours;
+    bool translucent;
+    int bit_depth;
+  };
+  const Case cases[] = {{1, false, 1}, {2, false, 1}, {2, true, 1},   {3, false, 2},  {4, true, 2},
+                        {5, false, 4}, {16, true, 4}, {17, false, 8}, {200, true, 8}, {256, true, 8}};
+  for (const Case& c : cases) {
+    // An odd width, so packed rows end in a partial byte; runs, scattered pixels and
+    // repeated rows, as bars, modules and text give them.
+    SurfacePtr surface = MakeSurface(61, 23);
+    std::mt19937 rng(static_cast<unsigned>(c.colours));
+    std::vector<uint32_t> palette(static_cast<size_t>(c.colours));
+    for (auto& colour : palette) colour = c.translucent ? rng() : (rng() | 0xFF000000U);
+    auto* pixels = static_cast<uint32_t*>(surface->pixels);
+    for (int i = 0; i < 61 * 23; ++i) {
+      const int row = i / 61;
+      pixels[i] = row % 4 == 3 ? pixels[i - 61] : palette[(i / 3 + rng() % 2) % palette.size()];
+    }
+    for (size_t k = 0; k < palette.size(); ++k) pixels[k] = palette[k];  // every colour appears
+    const std::vector<uint8_t> png = EncodeSurfacePng(surface.get());
+    ASSERT_GT(png.size(), 26U);
+    EXPECT_EQ(png[25], 3) << c.colours << " colours: expected a palette PNG";  // IHDR colour type
+    EXPECT_EQ(png[24], c.bit_depth) << c.colours << " colours";                // IHDR bit depth
+    ExpectSamePixels(surface.get(), png);
+  }
 }
 
 TEST(PngEncoderTest, MoreThan256ColoursFallBackToRgba) {

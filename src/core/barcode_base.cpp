@@ -96,7 +96,13 @@ bool BarcodeBase::CreateSurface(int width, int height) {
   // A canvas of the same size is reused: every draw clears it before painting, so the
   // result is the same as a fresh one without the allocation.
   if (surface_ && renderer_ && surface_->w == width && surface_->h == height) return true;
-  ReleaseCanvas();
+  // So is the one a data URI retired (it reads as gone until this draw takes it back).
+  if (spare_surface_ && spare_surface_->w == width && spare_surface_->h == height) {
+    surface_ = std::move(spare_surface_);
+    renderer_ = std::move(spare_renderer_);
+    return true;
+  }
+  DropCanvas();
   // SDL shares one format object among all surfaces of a format and frees it with the
   // last of them. Keeping it for the process saves that allocation per canvas and keeps
   // threads drawing on separate handles from freeing and re-making it under each other
@@ -119,15 +125,43 @@ bool BarcodeBase::CreateSurface(int width, int height) {
 }
 
 void BarcodeBase::ReleaseCanvas() {
+  spare_renderer_ = std::move(renderer_);
+  spare_surface_ = std::move(surface_);
+}
+
+void BarcodeBase::DropCanvas() {
   renderer_.reset();
   surface_.reset();
+  spare_renderer_.reset();
+  spare_surface_.reset();
 }
 
 void BarcodeBase::ClearCanvas(SDL_Color color) {
   SDL_Renderer* renderer = canvas_renderer();
   if (renderer == nullptr) return;
+  if (OwnsCanvas()) {
+    FillOwnCanvas(0, 0, surface_->w, surface_->h, color);
+    return;
+  }
   SDL_SetRenderDrawColor(renderer, color.r, color.g, color.b, color.a);
   SDL_RenderClear(renderer);
+}
+
+bool BarcodeBase::OwnsCanvas() const {
+  return surface_ && renderer_ && surface_->format->BytesPerPixel == 4 && !SDL_MUSTLOCK(surface_.get());
+}
+
+void BarcodeBase::FillOwnCanvas(int left, int top, int width, int height, SDL_Color color) {
+  // The same pixels the software renderer writes for a fill without blending, without
+  // its per-call overhead, and with ordinary stores: SDL's clear streams past the cache,
+  // so every bar painted after it would start with a cache miss.
+  SDL_RenderFlush(renderer_.get());
+  const Uint32 pixel = SDL_MapRGBA(surface_->format, color.r, color.g, color.b, color.a);
+  auto* row = static_cast<uint8_t*>(surface_->pixels) + static_cast<ptrdiff_t>(top) * surface_->pitch +
+              static_cast<ptrdiff_t>(left) * 4;
+  for (int y = 0; y < height; ++y, row += surface_->pitch) {
+    std::fill_n(reinterpret_cast<Uint32*>(row), width, pixel);
+  }
 }
 
 void BarcodeBase::FillRectF(float x, float y, float width, float height, SDL_Color color) {
@@ -166,9 +200,13 @@ void BarcodeBase::FillClipped(double left, double top, double right, double bott
   top = std::clamp(top, 0.0, canvas_h);
   bottom = std::clamp(bottom, 0.0, canvas_h);
   if (!(right > left) || !(bottom > top)) return;  // also false for NaN
-  SDL_SetRenderDrawColor(renderer, color.r, color.g, color.b, color.a);
   const SDL_Rect rect{static_cast<int>(left), static_cast<int>(top), static_cast<int>(right - left),
                       static_cast<int>(bottom - top)};
+  if (renderer == renderer_.get() && OwnsCanvas()) {
+    FillOwnCanvas(rect.x, rect.y, rect.w, rect.h, color);
+    return;
+  }
+  SDL_SetRenderDrawColor(renderer, color.r, color.g, color.b, color.a);
   SDL_RenderFillRect(renderer, &rect);
 }
 

@@ -111,7 +111,14 @@ class BarcodeBase : public IBarcodeSymbology {
   int svg_height = 0;
 
  private:
+  // The canvas is gone for every later call until the next draw, which may reuse its
+  // memory when the size is the same.
   void ReleaseCanvas();
+  void DropCanvas();
+  // True when draws go to this object's own 32-bit canvas, which it may then write directly.
+  bool OwnsCanvas() const;
+  // Fills a rectangle that lies inside the own canvas, as the renderer would.
+  void FillOwnCanvas(int left, int top, int width, int height, SDL_Color color);
   void FillClipped(double left, double top, double right, double bottom, SDL_Color color);
   void AppendFixed(double value);
 
@@ -119,6 +126,8 @@ class BarcodeBase : public IBarcodeSymbology {
   SDL_Renderer* external_canvas_ = nullptr;  // the caller's, never freed here
   RendererPtr renderer_;                     // destroyed before the surface it draws into
   SurfacePtr surface_;
+  RendererPtr spare_renderer_;  // a released canvas kept for reuse
+  SurfacePtr spare_surface_;
   std::string svg_;
 };
 
