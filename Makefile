@@ -59,7 +59,7 @@ fuzz-merge: fuzz-build
 	bash scripts/merge-fuzz-corpus.sh $(BUILD_DIR)-fuzz/fuzz_c_interface
 
 format-check: deps
-	clang-format --dry-run -Werror src/*/*.cpp src/*/*.h include/*.h tools/*.cpp tests/*.cpp tests/support/* tests/host/*.c bench/*.cpp fuzz/*.cpp
+	clang-format --dry-run -Werror src/*/*.cpp src/*/*.h include/*.h tools/*.cpp tests/*.cpp tests/support/* tests/host/*.c tests/consumer/*.cpp bench/*.cpp fuzz/*.cpp
 
 install: build
 	cmake --install $(BUILD_DIR)

@@ -87,6 +87,11 @@ BARCODE_API const char* barcode_get_last_error(BarcodeHandle* handle);
  * barcode_get_last_error says why, so a C host never sees an exception. */
 BARCODE_API void barcode_set_throw_on_capacity_error(BarcodeHandle* handle, int on);
 
+/* Process-wide: 1 switches off the progress lines the library writes to standard output
+ * (sizes, module matrices), 0 switches them on. The initial value is on unless the
+ * environment has BARCODE_ORV_QUIET=1. Error lines on standard error are not affected. */
+BARCODE_API void barcode_set_quiet(int on);
+
 /* ---- Options for every symbology ---- */
 
 /* Bar and text colour, each component cut to its low 8 bits; default 0,0,0,255. */

@@ -1,4 +1,6 @@
-// The C interface contract: handles, result slots, neutral values and type checks.
+// The C interface contract, over every type the build provides: handles, result slots
+// in each output mode, neutral values, type checks, and the error line of a failed draw
+// (on standard error and from barcode_get_last_error).
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -7,6 +9,7 @@
 #include "barcode_ffi.h"
 #include "support/c_api.h"
 #include "support/png_image.h"
+#include "support/samples.h"
 
 namespace {
 
@@ -134,15 +137,6 @@ TEST(CApiTest, OptionsOnlyReachTheTypesTheyServe) {
   EXPECT_NE(std::string(barcode_get_svg(handle.get())).find(">AB</text>"), std::string::npos);
 }
 
-TEST(CApiTest, AbsurdTextScalesDoNotBreakDrawing) {
-  Handle handle = Code39Handle();
-  for (const double scale : {1e300, -1e300, 0.0, -2.0, 1e-300}) {
-    barcode_set_text_font_scale(handle.get(), scale);
-    barcode_set_text_gap(handle.get(), scale);
-    EXPECT_EQ(barcode_draw_1d(handle.get(), "A1", 200, 60), 1) << scale;
-  }
-}
-
 TEST(CApiTest, CheckDigitResultIsOneProcessWideString) {
   const char* first = barcode_calculate_check_digit_14("0950110153000");
   EXPECT_STREQ(first, "3");
@@ -150,6 +144,85 @@ TEST(CApiTest, CheckDigitResultIsOneProcessWideString) {
   EXPECT_EQ(first, second);
   EXPECT_STREQ(second, "9");
   EXPECT_STREQ(barcode_calculate_check_digit_14("123"), "");  // not 13 characters
+}
+
+// A text each symbology refuses, with the line its draw writes to standard error.
+struct BadInput {
+  int type;
+  const char* text;
+  const char* line;
+};
+constexpr BadInput kBadInputs[] = {
+    {BARCODE_CODE39, "A*B", "[Code39] Invalid character in CODE39: '*' is reserved for start/stop code"},
+    {BARCODE_CODE93, "abc", "[Code93] Invalid character in CODE93: a"},
+    {BARCODE_CODE128, "\x80", "[Code128] No valid start"},
+    {BARCODE_NW7, "A123", "[NW7] Invalid start/stop character combination in NW7: A123"},
+    {BARCODE_MATRIX2OF5, "12x", "[Matrix2of5] Matrix 2 of 5 barcode requires numeric digits only"},
+    {BARCODE_NEC2OF5, "12x", "[NEC2of5] NEC 2 of 5 barcode requires numeric digits only"},
+    {BARCODE_ITF, "12x", "[ITF] ITF barcode requires numeric digits only"},
+};
+
+TEST(CApiTest, EveryTypeDrawsIntoTheBoxInBothModes) {
+  int provided = 0;
+  for (const auto& sample : barcode_orv::testing::kTypeSamples) {
+    Handle handle = barcode_orv::testing::MakeHandle(sample.type);
+    if (!handle) continue;
+    ++provided;
+    SCOPED_TRACE(sample.text);
+    EXPECT_EQ(barcode_draw_1d(handle.get(), nullptr, 300, 120), 0);
+    ASSERT_EQ(barcode_draw_1d(handle.get(), sample.text, 301, 123), 1) << barcode_get_last_error(handle.get());
+    EXPECT_STREQ(barcode_get_last_error(handle.get()), "");
+    EXPECT_STREQ(barcode_get_svg(handle.get()), "");
+    const std::string png = Png(handle.get());
+    const auto image = barcode_orv::testing::DecodePng(reinterpret_cast<const uint8_t*>(png.data()), png.size());
+    EXPECT_EQ(image.width, 301);
+    EXPECT_EQ(image.height, 123);
+
+    barcode_set_output_format(handle.get(), "SVG");
+    ASSERT_EQ(barcode_draw_1d(handle.get(), sample.text, 301, 123), 1);
+    const std::string svg = barcode_get_svg(handle.get());
+    EXPECT_EQ(svg.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg", 0), 0U);
+    EXPECT_NE(svg.find("width=\"301\" height=\"123\""), std::string::npos);
+    EXPECT_STREQ(barcode_get_base64(handle.get()), "");
+  }
+  EXPECT_GE(provided, 8);
+}
+
+TEST(CApiTest, DrawFunctionsServeOnlyTheirTypes) {
+  for (const auto& sample : barcode_orv::testing::kTypeSamples) {
+    Handle handle = barcode_orv::testing::MakeHandle(sample.type);
+    if (!handle) continue;
+    const bool two_d = sample.type >= BARCODE_QR;
+    EXPECT_EQ(barcode_draw_2d(handle.get(), sample.text, 200) != 0, two_d) << sample.text;
+    EXPECT_EQ(barcode_draw_2d_rect(handle.get(), sample.text, 200, 200) != 0, two_d) << sample.text;
+    if (sample.type != BARCODE_GS1_128) {
+      EXPECT_EQ(barcode_draw_convenience(handle.get(), sample.text, 300, 100), 0);
+    }
+    if (sample.type != BARCODE_YUBIN_CUSTOMER) {
+      EXPECT_EQ(barcode_draw_yubin(handle.get(), sample.text, 300), 0);
+      EXPECT_EQ(barcode_draw_yubin_with_width(handle.get(), sample.text, 300, 100), 0);
+    }
+    if (sample.type != BARCODE_GS1_DATABAR_EXPANDED) {
+      EXPECT_EQ(barcode_draw_stacked(handle.get(), sample.text, 300, 100), 0);
+    }
+    if (sample.type != BARCODE_GS1_DATABAR_14) {
+      EXPECT_EQ(barcode_encode_14(handle.get(), "0950110153000"), 0);
+    }
+  }
+}
+
+TEST(CApiTest, FailedDrawsWriteTheirLineAndKeepIt) {
+  for (const BadInput& bad : kBadInputs) {
+    Handle handle = barcode_orv::testing::MakeHandle(bad.type);
+    ASSERT_NE(handle, nullptr) << bad.line;
+    for (const char* format : {"png", "svg"}) {
+      barcode_set_output_format(handle.get(), format);
+      ::testing::internal::CaptureStderr();
+      EXPECT_EQ(barcode_draw_1d(handle.get(), bad.text, 300, 60), 0);
+      EXPECT_EQ(::testing::internal::GetCapturedStderr(), std::string(bad.line) + "\n") << format;
+      EXPECT_STREQ(barcode_get_last_error(handle.get()), bad.line) << format;
+    }
+  }
 }
 
 }  // namespace

@@ -121,6 +121,8 @@ void barcode_set_throw_on_capacity_error(BarcodeHandle* handle, int on) {
   if (handle != nullptr) handle->throw_on_capacity_error = on != 0;
 }
 
+void barcode_set_quiet(int on) { barcode_orv::log::SetQuiet(on != 0); }
+
 // ---- Options for every symbology ----
 
 void barcode_set_foreground_color(BarcodeHandle* handle, int r, int g, int b, int a) {

@@ -1,18 +1,28 @@
 #include "core/log.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
 
 namespace barcode_orv::log {
 
-bool Quiet() {
-  static const bool quiet = [] {
+namespace {
+
+// BARCODE_ORV_QUIET=1 at the first print is the initial value; SetQuiet overrides it.
+std::atomic<bool>& QuietFlag() {
+  static std::atomic<bool> quiet = [] {
     const char* value = std::getenv("BARCODE_ORV_QUIET");
     return value != nullptr && std::strcmp(value, "1") == 0;
   }();
   return quiet;
 }
+
+}  // namespace
+
+bool Quiet() { return QuietFlag().load(std::memory_order_relaxed); }
+
+void SetQuiet(bool quiet) { QuietFlag().store(quiet, std::memory_order_relaxed); }
 
 void Progress(std::string_view line) {
   if (Quiet()) return;

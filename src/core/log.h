@@ -7,8 +7,10 @@
 
 namespace barcode_orv::log {
 
-// True when BARCODE_ORV_QUIET=1 was set when the library first printed.
+// True while progress lines are off: BARCODE_ORV_QUIET=1 when the library first printed,
+// unless SetQuiet said otherwise since.
 bool Quiet();
+void SetQuiet(bool quiet);
 
 // Writes `line` and a line feed to standard output unless quiet.
 void Progress(std::string_view line);
