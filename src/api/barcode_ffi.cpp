@@ -10,6 +10,7 @@
 #include "core/errors.h"
 #include "databar/gtin_check_digit.h"
 #include "linear/barcode_base_1d.h"
+#include "linear/ean_upc.h"
 
 using barcode_orv::BarcodeBase;
 using barcode_orv::BarcodeBase1D;
@@ -166,10 +167,10 @@ void barcode_set_show_start_stop(BarcodeHandle* handle, int show) {
   if (BarcodeBase1D* object = LinearObject(handle)) object->SetShowStartStop(show != 0);
 }
 
-void barcode_set_extended_guard(BarcodeHandle* handle, int /*extended*/) {
-  // Served by the JAN/UPC classes; barcode_create provides none of them in this build,
-  // so no handle can reach here with one of their types.
-  (void)ObjectFor(handle, {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE});
+void barcode_set_extended_guard(BarcodeHandle* handle, int extended) {
+  auto* object = dynamic_cast<barcode_orv::EanUpcBarcode*>(
+      ObjectFor(handle, {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE}));
+  if (object != nullptr) object->SetExtendedGuard(extended != 0);
 }
 
 // ---- Drawing ----

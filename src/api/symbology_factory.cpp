@@ -5,6 +5,7 @@
 #include "linear/code128.h"
 #include "linear/code39.h"
 #include "linear/code93.h"
+#include "linear/ean_upc.h"
 #include "linear/itf.h"
 #include "linear/matrix2of5.h"
 #include "linear/nec2of5.h"
@@ -22,6 +23,10 @@ std::unique_ptr<BarcodeBase> MakeSymbology(int type) {
     case BARCODE_NW7: return std::make_unique<NW7>(format);
     case BARCODE_MATRIX2OF5: return std::make_unique<Matrix2of5>(format);
     case BARCODE_NEC2OF5: return std::make_unique<NEC2of5>(format);
+    case BARCODE_JAN8: return std::make_unique<Jan8>(format);
+    case BARCODE_JAN13: return std::make_unique<Jan13>(format);
+    case BARCODE_UPCA: return std::make_unique<UpcA>(format);
+    case BARCODE_UPCE: return std::make_unique<UpcE>(format);
     case BARCODE_ITF: return std::make_unique<ITF>(format);
     case BARCODE_QR: return std::make_unique<QR>(format);
     default: return nullptr;  // not provided by this build
