@@ -11,6 +11,7 @@
 #include "databar/gtin_check_digit.h"
 #include "linear/barcode_base_1d.h"
 #include "linear/ean_upc.h"
+#include "linear/gs1_128.h"
 
 using barcode_orv::BarcodeBase;
 using barcode_orv::BarcodeBase1D;
@@ -193,10 +194,10 @@ int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int w
   return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
-int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {
-  // GS1-128 handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_GS1_128}) == nullptr || text == nullptr) return 0;
-  return 0;
+int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int width, int height) {
+  auto* object = dynamic_cast<barcode_orv::GS1_128*>(ObjectFor(handle, {BARCODE_GS1_128}));
+  if (object == nullptr || text == nullptr) return 0;
+  return GuardDraw([&] { return object->DrawConvenience(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {

@@ -6,6 +6,7 @@
 #include "linear/code39.h"
 #include "linear/code93.h"
 #include "linear/ean_upc.h"
+#include "linear/gs1_128.h"
 #include "linear/itf.h"
 #include "linear/matrix2of5.h"
 #include "linear/nec2of5.h"
@@ -20,6 +21,7 @@ std::unique_ptr<BarcodeBase> MakeSymbology(int type) {
     case BARCODE_CODE39: return std::make_unique<Code39>(format);
     case BARCODE_CODE93: return std::make_unique<Code93>(format);
     case BARCODE_CODE128: return std::make_unique<Code128>(format);
+    case BARCODE_GS1_128: return std::make_unique<GS1_128>(format);
     case BARCODE_NW7: return std::make_unique<NW7>(format);
     case BARCODE_MATRIX2OF5: return std::make_unique<Matrix2of5>(format);
     case BARCODE_NEC2OF5: return std::make_unique<NEC2of5>(format);
