@@ -12,6 +12,7 @@
 #include "linear/barcode_base_1d.h"
 #include "linear/ean_upc.h"
 #include "linear/gs1_128.h"
+#include "linear/yubin_customer.h"
 
 using barcode_orv::BarcodeBase;
 using barcode_orv::BarcodeBase1D;
@@ -182,10 +183,10 @@ int barcode_draw_1d(BarcodeHandle* handle, const char* text, int width, int heig
   return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
-int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int /*size*/) {
-  // Japan Post customer barcode handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER}) == nullptr || text == nullptr) return 0;
-  return 0;
+int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int size) {
+  auto* object = dynamic_cast<barcode_orv::YubinCustomer*>(ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER}));
+  if (object == nullptr || text == nullptr) return 0;
+  return GuardDraw([&] { return object->Draw(std::string(text), 0, 0, size); });
 }
 
 int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int width, int height) {

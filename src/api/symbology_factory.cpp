@@ -11,6 +11,7 @@
 #include "linear/matrix2of5.h"
 #include "linear/nec2of5.h"
 #include "linear/nw7.h"
+#include "linear/yubin_customer.h"
 #include "twod/qr.h"
 
 namespace barcode_orv::ffi {
@@ -30,6 +31,7 @@ std::unique_ptr<BarcodeBase> MakeSymbology(int type) {
     case BARCODE_UPCA: return std::make_unique<UpcA>(format);
     case BARCODE_UPCE: return std::make_unique<UpcE>(format);
     case BARCODE_ITF: return std::make_unique<ITF>(format);
+    case BARCODE_YUBIN_CUSTOMER: return std::make_unique<YubinCustomer>(format);
     case BARCODE_QR: return std::make_unique<QR>(format);
     default: return nullptr;  // not provided by this build
   }
