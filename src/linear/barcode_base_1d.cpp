@@ -72,18 +72,23 @@ void BarcodeBase1D::DestroyFont() {
 BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int x, int y, int width,
                                                  int height) const {
   PlacedSymbol placed;
-  const bool has_guards = std::find(symbol.reach.begin(), symbol.reach.end(), BarReach::kGuard) != symbol.reach.end();
-  const bool has_text_above = std::any_of(symbol.text_runs.begin(), symbol.text_runs.end(),
-                                          [](const TextRun& run) { return run.row == TextRow::kAbove; });
-  const RowGeometry rows =
-      LinearRows(height, show_text, text_font_scale, text_gap, symbol.text_lines, has_guards, has_text_above);
-
   int64_t total = int64_t{symbol.lead_modules} + symbol.trail_modules;
   for (int32_t w : symbol.widths) total += w;
   const float unit = ModuleWidthFor(width, total, fit_width);
   const auto left = static_cast<float>(x);
   const BarLayout layout = LayOutBars(symbol.widths, left + static_cast<float>(symbol.lead_modules) * unit, unit,
                                       px_adjust_black, px_adjust_white);
+
+  int font_cap = 0;
+  if (symbol.font_cap_modules > 0.0F) {
+    const double cap = std::floor(static_cast<double>(symbol.font_cap_modules) * unit);
+    font_cap = static_cast<int>(std::clamp(cap, 8.0, 2147483647.0));
+  }
+  const bool has_guards = std::find(symbol.reach.begin(), symbol.reach.end(), BarReach::kGuard) != symbol.reach.end();
+  const bool has_text_above = std::any_of(symbol.text_runs.begin(), symbol.text_runs.end(),
+                                          [](const TextRun& run) { return run.row == TextRow::kAbove; });
+  const RowGeometry rows =
+      LinearRows(height, show_text, text_font_scale, text_gap, symbol.text_lines, has_guards, has_text_above, font_cap);
 
   const auto top = static_cast<float>(y);
   placed.bars.reserve(layout.bars.size());
@@ -116,11 +121,7 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
 void BarcodeBase1D::PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, const RowGeometry& rows,
                               int x, int y, int height, PlacedSymbol* placed) const {
   if (!show_text) return;
-  int font_size = rows.text_height;
-  if (symbol.font_cap_modules > 0.0F) {
-    const double cap = std::floor(static_cast<double>(symbol.font_cap_modules) * unit);
-    font_size = std::min(font_size, static_cast<int>(std::clamp(cap, 8.0, 2147483647.0)));
-  }
+  const int font_size = rows.font_size;
   const auto left = static_cast<float>(x);
   auto pixel = [&](float module) {
     const double at = ModuleToPixel(symbol.widths, layout, left, unit, symbol.lead_modules, module);

@@ -109,23 +109,24 @@ TextSpacing EvenTextSpacing(int width, int height, size_t char_count, float font
 }
 
 RowGeometry LinearRows(int height, bool show_text, float font_scale, float gap_scale, int text_lines, bool has_guards,
-                       bool has_text_above) {
+                       bool has_text_above, int font_cap) {
   RowGeometry rows;
   rows.bar_height = BarHeightFor(height, show_text, font_scale, gap_scale, text_lines);
   rows.guard_height = rows.bar_height;
   rows.add_on_bottom = rows.bar_height;
   if (!show_text) return rows;
   rows.text_height = TextHeightFor(height, font_scale);
+  rows.font_size = font_cap > 0 ? std::min(rows.text_height, font_cap) : rows.text_height;
   rows.gap = TextGapFor(height, gap_scale);
   const auto box = static_cast<float>(height);
   if (has_guards) {
     // Guards end halfway down the digits, as on retail packs.
-    const float guard = rows.bar_height + static_cast<float>(rows.gap) + static_cast<float>(rows.text_height / 2);
+    const auto guard = static_cast<float>(int64_t{height} - rows.font_size + rows.font_size / 2);
     rows.guard_height = std::max(rows.bar_height, std::min(guard, box));
     rows.add_on_bottom = rows.guard_height;
   }
   if (has_text_above) {
-    rows.add_on_top = std::min(static_cast<float>(int64_t{rows.text_height} + rows.gap), rows.add_on_bottom - 1.0F);
+    rows.add_on_top = std::min(static_cast<float>(int64_t{rows.font_size} + rows.gap), rows.add_on_bottom - 1.0F);
     rows.add_on_top = std::max(rows.add_on_top, 0.0F);
   }
   // Two lines share the room of four text heights: two thirds of a line's height above,

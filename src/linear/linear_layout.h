@@ -71,19 +71,21 @@ struct TextRun {
   size_t pitch_chars = 0;
 };
 
-// Vertical geometry of a linear symbol in a box `height` tall, relative to its top.
+// Vertical geometry of a linear symbol in a box `height` tall, relative to its top. The
+// text is drawn at `font_cap` pixels when that is smaller than the reserved height.
 struct RowGeometry {
-  int text_height = 0;        // reserved text height T (also the largest font size)
+  int text_height = 0;        // reserved text height T
+  int font_size = 0;          // the size the text is drawn at: T, or the cap when smaller
   int gap = 0;                // gap G between bars and text
   float bar_height = 0.0F;    // BarReach::kNormal, the same as InitLinerBarcode's
-  float guard_height = 0.0F;  // BarReach::kGuard
-  float add_on_top = 0.0F;    // BarReach::kAddOn, from here
+  float guard_height = 0.0F;  // BarReach::kGuard: halfway down the digits under the bars
+  float add_on_top = 0.0F;    // BarReach::kAddOn, from under the digits above them
   float add_on_bottom = 0.0F;
   int first_line_top = 0;  // TextRow::kFirstOfTwo and kSecondOfTwo
   int second_line_top = 0;
 };
 RowGeometry LinearRows(int height, bool show_text, float font_scale, float gap_scale, int text_lines, bool has_guards,
-                       bool has_text_above);
+                       bool has_text_above, int font_cap = 0);
 
 // Pixel x of a module position for bars laid out by LayOutBars from x + lead * unit:
 // inside an element it is interpolated over the element's adjusted width; before the
