@@ -41,6 +41,8 @@ const std::vector<Workload>& Workloads() {
        ZintSettings{1.0F, 50.0F, false}},
       {"Code128_ABC123_300x100_text", BARCODE_CODE128, "ABC123", 300, 100, true, ZintSymbol::kCode128,
        ZintSettings{1.0F, 50.0F, true}},
+      {"JAN13_300x100_text", BARCODE_JAN13, "4901234567894", 300, 100, true, ZintSymbol::kEan13,
+       ZintSettings{1.0F, 50.0F, true}},
       {"QR_45B_300x300", BARCODE_QR, "https://example.com/products/item?id=1234567890", 300, 300, false,
        ZintSymbol::kQrCode, ZintSettings{5.0F, 0.0F, false, 2}},
       {"QR_1000B_600x600", BARCODE_QR, Repeat("Lorem ipsum dolor sit amet, 0123456789; ", 1000), 600, 600, false,

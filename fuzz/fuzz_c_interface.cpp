@@ -39,7 +39,23 @@ std::string Text(FuzzedDataProvider& in) {
       "C40",       "",
       "12345",
   };
+  // Shapes of the EAN/UPC, GS1-128, convenience-store and Japan Post inputs, to mutate.
+  static const char* const kShapes[] = {
+      "4901234567894+12",
+      "01234565 12345",
+      "(01)04912345678904(10)AB\\(C(17)251231",
+      "(8013)1987654Ad4X4bL5ttr2310c2K(4321)1",
+      "9191234512345678901234567890123425013102500",
+      "10000131-3-2-503",
+  };
   if (in.ConsumeBool()) return kKeywords[in.ConsumeIntegralInRange<size_t>(0, std::size(kKeywords) - 1)];
+  if (in.ConsumeIntegralInRange(0, 3) == 0) {
+    std::string shape = kShapes[in.ConsumeIntegralInRange<size_t>(0, std::size(kShapes) - 1)];
+    if (in.ConsumeBool()) {
+      shape[in.ConsumeIntegralInRange<size_t>(0, shape.size() - 1)] = in.ConsumeIntegral<char>();
+    }
+    return shape;
+  }
   return in.ConsumeRandomLengthString(kMaxText);
 }
 

@@ -117,7 +117,9 @@ BARCODE_API void barcode_set_text_gap(BarcodeHandle* handle, double scale);
 BARCODE_API void barcode_set_text_even_spacing(BarcodeHandle* handle, int even);
 /* Show start/stop characters in the text line: Code 39 (default on) and NW-7 (default on). */
 BARCODE_API void barcode_set_show_start_stop(BarcodeHandle* handle, int show);
-/* Extended guard bars for JAN-8, JAN-13, UPC-A and UPC-E. */
+/* JAN-8, JAN-13, UPC-A, UPC-E: nonzero (default) draws the guard bars down into the
+ * digits and the outside digits beside the symbol, as on retail packs; 0 draws bars of one
+ * height with the number centred under them. */
 BARCODE_API void barcode_set_extended_guard(BarcodeHandle* handle, int extended);
 /* Code 128 code set: "A", "B", "C" or "AUTO" (default); other text is ignored. */
 BARCODE_API void barcode_set_code_mode(BarcodeHandle* handle, const char* mode);
@@ -160,11 +162,15 @@ BARCODE_API int barcode_draw_1d(BarcodeHandle* handle, const char* text, int wid
 BARCODE_API int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size);
 /* 2D symbol into a width x height box (types 16..18); the same QR capacity exception. */
 BARCODE_API int barcode_draw_2d_rect(BarcodeHandle* handle, const char* text, int width, int height);
-/* Japan Post customer barcode (type 15) at a given size. */
+/* Japan Post customer barcode (type 15) with bars `size` pixels tall, on a canvas
+ * trunc(67 size/3 + size/6 + 1) x size. */
 BARCODE_API int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int size);
-/* Japan Post customer barcode (type 15) into a width x height box. */
+/* Japan Post customer barcode (type 15): as barcode_draw_yubin with size = height; the
+ * width is ignored. */
 BARCODE_API int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int width, int height);
-/* GS1-128 convenience-store payment layout of a 43- or 44-digit code (type 3). */
+/* GS1-128 convenience-store payment layout of a 43- or 44-digit code starting with AI 91
+ * (type 3): the check digit is appended to 43 digits or verified in 44; the text goes on
+ * two lines under the bars. */
 BARCODE_API int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int width, int height);
 /* GS1 DataBar Expanded in its stacked form (type 14). */
 BARCODE_API int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int width, int height);

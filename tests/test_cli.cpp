@@ -49,6 +49,27 @@ TEST(CliTest, WritesPngThatDecodes) {
   EXPECT_EQ(decoded.text, "Cli-128 test");
 }
 
+TEST(CliTest, RetailGs1AndConvenienceSymbolsDecode) {
+  const struct {
+    std::string arguments;
+    testing::Symbology reader;
+    std::string text;
+  } cases[] = {
+      {"jan13 4901234567894+12", testing::Symbology::kEAN13, "4901234567894 12"},
+      {"--extended-guard 0 upce 0123456", testing::Symbology::kUPCE, "01234565"},
+      {"--width 500 gs1-128 '(01)04912345678904(10)AB'", testing::Symbology::kCode128, "010491234567890410AB"},
+      {"--draw convenience --width 600 --height 240 gs1-128 9191234512345678901234567890123425013102500",
+       testing::Symbology::kCode128, "91912345123456789012345678901234250131025001"},
+  };
+  for (const auto& c : cases) {
+    const std::string path = ::testing::TempDir() + "cli_retail.png";
+    const RunResult run = RunCli(c.arguments + " -o '" + path + "'");
+    ASSERT_EQ(run.status, 0) << run.out;
+    const testing::Decoded decoded = testing::DecodePngBarcode(ReadFile(path), c.reader);
+    EXPECT_TRUE(decoded.ok && decoded.text == c.text) << c.arguments << " read " << decoded.text;
+  }
+}
+
 TEST(CliTest, TypeNumbersAndNamesAreTheSame) {
   const RunResult by_name = RunCli("--format svg code93 ABC");
   const RunResult by_number = RunCli("--format=svg 1 ABC");

@@ -120,6 +120,40 @@ TEST(LinearLayoutTest, EvenSpacingCentresTheRunOnTheBars) {
   }
 }
 
+TEST(LinearLayoutTest, RowsForGuardsAddOnsAndTwoLines) {
+  // Box 100: T 20, G 5, bars 75. Guards end halfway down the digits; a font capped at 10
+  // moves the guards' end and the add-on's top with it.
+  const RowGeometry guards = LinearRows(100, true, 1.0F, 1.0F, 1, true, true);
+  EXPECT_FLOAT_EQ(guards.guard_height, 90.0F);
+  EXPECT_FLOAT_EQ(guards.add_on_top, 25.0F);
+  EXPECT_FLOAT_EQ(guards.add_on_bottom, 90.0F);
+  const RowGeometry capped = LinearRows(100, true, 1.0F, 1.0F, 1, true, true, 10);
+  EXPECT_EQ(capped.font_size, 10);
+  EXPECT_FLOAT_EQ(capped.guard_height, 95.0F);
+  EXPECT_FLOAT_EQ(capped.add_on_top, 15.0F);
+  const RowGeometry plain = LinearRows(100, true, 1.0F, 1.0F, 1, false, true);
+  EXPECT_FLOAT_EQ(plain.guard_height, 75.0F);
+  EXPECT_FLOAT_EQ(plain.add_on_bottom, 75.0F);
+  const RowGeometry no_text = LinearRows(100, false, 1.0F, 1.0F, 1, true, true);
+  EXPECT_FLOAT_EQ(no_text.guard_height, 100.0F);
+  EXPECT_FLOAT_EQ(no_text.add_on_top, 0.0F);
+  // Two lines in a 240 box: T 36, G 16, bars 80, lines at 80 + 16 + 24 and 36 + 24 lower.
+  const RowGeometry two = LinearRows(240, true, 1.0F, 1.0F, 2, false, false);
+  EXPECT_FLOAT_EQ(two.bar_height, 80.0F);
+  EXPECT_EQ(two.first_line_top, 120);
+  EXPECT_EQ(two.second_line_top, 180);
+}
+
+TEST(LinearLayoutTest, ModulePositionsFollowAdjustedBars) {
+  // Bars 2 px a module from x = 10 after 3 lead modules; the first bar is 1 px wider.
+  const std::vector<int32_t> widths = {1, 2, 1};
+  const BarLayout layout = LayOutBars(widths, 16.0F, 2.0F, 1, 0);
+  EXPECT_FLOAT_EQ(ModuleToPixel(widths, layout, 10.0F, 2.0F, 3, 1.5F), 13.0F);  // in the lead
+  EXPECT_FLOAT_EQ(ModuleToPixel(widths, layout, 10.0F, 2.0F, 3, 3.5F), 17.5F);  // inside the wide bar
+  EXPECT_FLOAT_EQ(ModuleToPixel(widths, layout, 10.0F, 2.0F, 3, 5.0F), 21.0F);  // middle of the space
+  EXPECT_FLOAT_EQ(ModuleToPixel(widths, layout, 10.0F, 2.0F, 3, 8.0F), 28.0F);  // after the last bar
+}
+
 TEST(FontSearchTest, CandidatesComeInTheFixedOrder) {
   const std::vector<std::string> with_module = font::FontCandidates("/opt/host");
   ASSERT_GE(with_module.size(), 4U);

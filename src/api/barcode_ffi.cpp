@@ -11,6 +11,9 @@
 #include "core/errors.h"
 #include "databar/gtin_check_digit.h"
 #include "linear/barcode_base_1d.h"
+#include "linear/ean_upc.h"
+#include "linear/gs1_128.h"
+#include "linear/yubin_customer.h"
 
 using barcode_orv::BarcodeBase;
 using barcode_orv::BarcodeBase1D;
@@ -168,10 +171,10 @@ void barcode_set_show_start_stop(BarcodeHandle* handle, int show) {
   if (BarcodeBase1D* object = LinearObject(handle)) object->SetShowStartStop(show != 0);
 }
 
-void barcode_set_extended_guard(BarcodeHandle* handle, int /*extended*/) {
-  // Served by the JAN/UPC classes; barcode_create provides none of them in this build,
-  // so no handle can reach here with one of their types.
-  (void)ObjectFor(handle, {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE});
+void barcode_set_extended_guard(BarcodeHandle* handle, int extended) {
+  auto* object = dynamic_cast<barcode_orv::EanUpcBarcode*>(
+      ObjectFor(handle, {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE}));
+  if (object != nullptr) object->SetExtendedGuard(extended != 0);
 }
 
 // ---- Drawing ----
@@ -182,10 +185,10 @@ int barcode_draw_1d(BarcodeHandle* handle, const char* text, int width, int heig
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
-int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int /*size*/) {
-  // Japan Post customer barcode handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER}) == nullptr || text == nullptr) return 0;
-  return 0;
+int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int size) {
+  auto* object = dynamic_cast<barcode_orv::YubinCustomer*>(ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER}));
+  if (object == nullptr || text == nullptr) return 0;
+  return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, size); });
 }
 
 int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int width, int height) {
@@ -194,10 +197,10 @@ int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int w
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
-int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {
-  // GS1-128 handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_GS1_128}) == nullptr || text == nullptr) return 0;
-  return 0;
+int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int width, int height) {
+  auto* object = dynamic_cast<barcode_orv::GS1_128*>(ObjectFor(handle, {BARCODE_GS1_128}));
+  if (object == nullptr || text == nullptr) return 0;
+  return GuardDraw(handle, [&] { return object->DrawConvenience(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {

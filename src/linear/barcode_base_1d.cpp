@@ -1,6 +1,9 @@
 #include "linear/barcode_base_1d.h"
 
 #include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
 #include <exception>
 
 #include "core/log.h"
@@ -82,27 +85,110 @@ BarcodeBase1D::FontTeardown::~FontTeardown() {
 
 // ---- Width-list symbols ----
 
-BarLayout BarcodeBase1D::LayoutFor(const std::vector<int32_t>& widths, int x, int box_width) const {
-  int64_t total = 0;
-  for (int32_t width : widths) total += width;
-  const float unit = ModuleWidthFor(box_width, total, fit_width);
-  return LayOutBars(widths, static_cast<float>(x), unit, px_adjust_black, px_adjust_white);
+BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int x, int y, int width,
+                                                 int height) const {
+  PlacedSymbol placed;
+  int64_t total = int64_t{symbol.lead_modules} + symbol.trail_modules;
+  for (int32_t w : symbol.widths) total += w;
+  const float unit = ModuleWidthFor(width, total, fit_width);
+  const auto left = static_cast<float>(x);
+  const BarLayout layout = LayOutBars(symbol.widths, left + static_cast<float>(symbol.lead_modules) * unit, unit,
+                                      px_adjust_black, px_adjust_white);
+
+  int font_cap = 0;
+  if (symbol.font_cap_modules > 0.0F) {
+    const double cap = std::floor(static_cast<double>(symbol.font_cap_modules) * unit);
+    font_cap = static_cast<int>(std::clamp(cap, 8.0, 2147483647.0));
+  }
+  const bool has_guards = std::find(symbol.reach.begin(), symbol.reach.end(), BarReach::kGuard) != symbol.reach.end();
+  const bool has_text_above = std::any_of(symbol.text_runs.begin(), symbol.text_runs.end(),
+                                          [](const TextRun& run) { return run.row == TextRow::kAbove; });
+  const RowGeometry rows =
+      LinearRows(height, show_text, text_font_scale, text_gap, symbol.text_lines, has_guards, has_text_above, font_cap);
+
+  const auto top = static_cast<float>(y);
+  placed.bars.reserve(layout.bars.size());
+  for (size_t k = 0; k < layout.bars.size(); ++k) {
+    const BarReach reach = 2 * k < symbol.reach.size() ? symbol.reach[2 * k] : BarReach::kNormal;
+    const BarRect& bar = layout.bars[k];
+    switch (reach) {
+      case BarReach::kNormal: placed.bars.push_back({bar.x, top, bar.width, rows.bar_height}); break;
+      case BarReach::kGuard: placed.bars.push_back({bar.x, top, bar.width, rows.guard_height}); break;
+      case BarReach::kAddOn:
+        placed.bars.push_back({bar.x, top + rows.add_on_top, bar.width, rows.add_on_bottom - rows.add_on_top});
+        break;
+    }
+  }
+  if (symbol.lead_modules == 0 && symbol.trail_modules == 0) {
+    placed.drawn_width = layout.drawn_width;
+  } else {
+    const double right = static_cast<double>(layout.edges.back()) + static_cast<double>(symbol.trail_modules) * unit;
+    placed.drawn_width = static_cast<int>(std::clamp(right - x, -2147483648.0, 2147483647.0));
+  }
+
+  if (symbol.text_runs.empty()) {
+    placed.texts.push_back(ClassicLine(symbol.display_text, x, y, placed.drawn_width, height));
+  } else {
+    PlaceRuns(symbol, layout, unit, rows, x, y, height, &placed);
+  }
+  return placed;
 }
 
-int BarcodeBase1D::PaintBarsRaster(const std::vector<int32_t>& widths, int x, int y, int box_width) {
-  const BarLayout layout = LayoutFor(widths, x, box_width);
-  for (const BarRect& bar : layout.bars) {
-    FillRectF(bar.x, static_cast<float>(y), bar.width, bar_height, fore_color);
+void BarcodeBase1D::PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, const RowGeometry& rows,
+                              int x, int y, int height, PlacedSymbol* placed) const {
+  if (!show_text) return;
+  const int font_size = rows.font_size;
+  const auto left = static_cast<float>(x);
+  auto pixel = [&](float module) {
+    const double at = ModuleToPixel(symbol.widths, layout, left, unit, symbol.lead_modules, module);
+    return static_cast<int64_t>(std::llround(std::clamp(at, -1e15, 1e15)));
+  };
+  for (const TextRun& run : symbol.text_runs) {
+    if (run.text.empty()) continue;
+    TextPlacement placement;
+    placement.font_size = font_size;
+    switch (run.row) {
+      case TextRow::kBelow:
+        placement.top = int64_t{y} + height;
+        placement.bottom_aligned = true;
+        break;
+      case TextRow::kAbove: placement.top = y; break;
+      case TextRow::kFirstOfTwo: placement.top = int64_t{y} + rows.first_line_top; break;
+      case TextRow::kSecondOfTwo: placement.top = int64_t{y} + rows.second_line_top; break;
+    }
+    const auto n = static_cast<int64_t>(run.text.size());
+    if (run.pitch > 0.0F) {
+      if (!text_even_spacing) {
+        const float middle = run.first_center + static_cast<float>(n - 1) * run.pitch / 2.0F;
+        placement.pieces.push_back({run.text, pixel(middle), 0});
+      } else {
+        placement.log_failures = true;
+        for (int64_t i = 0; i < n; ++i) {
+          const float module = run.first_center + static_cast<float>(i) * run.pitch;
+          placement.pieces.push_back({std::string(1, run.text[static_cast<size_t>(i)]), pixel(module), 0});
+        }
+      }
+    } else {
+      const int64_t span_left = pixel(run.span_begin);
+      const int64_t span_width = pixel(run.span_end) - span_left;
+      if (!text_even_spacing) {
+        placement.pieces.push_back({run.text, span_left, span_width});
+      } else {
+        placement.log_failures = true;
+        const size_t pitch_chars = run.pitch_chars > 0 ? run.pitch_chars : run.text.size();
+        const auto clamped_width = static_cast<int>(std::clamp<int64_t>(span_width, 0, 2147483647));
+        const TextSpacing spacing =
+            EvenTextSpacing(clamped_width, height, pitch_chars, text_font_scale, text_margin_scale);
+        // Centred with its own length at the shared pitch; the halving truncates like the classic line's.
+        const int64_t first = (span_width - (n - 1) * spacing.pitch) / 2;  // NOLINT(bugprone-integer-division)
+        for (int64_t i = 0; i < n; ++i) {
+          placement.pieces.push_back(
+              {std::string(1, run.text[static_cast<size_t>(i)]), span_left + first + i * spacing.pitch, 0});
+        }
+      }
+    }
+    placed->texts.push_back(std::move(placement));
   }
-  return layout.drawn_width;
-}
-
-int BarcodeBase1D::PaintBarsSvg(const std::vector<int32_t>& widths, int x, int y, int box_width) {
-  const BarLayout layout = LayoutFor(widths, x, box_width);
-  for (const BarRect& bar : layout.bars) {
-    SvgRect(bar.x, static_cast<float>(y), bar.width, bar_height, fore_color);
-  }
-  return layout.drawn_width;
 }
 
 bool BarcodeBase1D::EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
@@ -124,9 +210,11 @@ bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int 
   if (!IsRasterOutput()) ClearCanvas(back_color);
   LinearSymbol symbol;
   if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
-  const int drawn_width = PaintBarsRaster(symbol.widths, x, y, width);
-  last_drawn_width = drawn_width;
-  RenderText(symbol.display_text, x, y, drawn_width, height);
+  if (symbol.text_lines != 1) InitLinerBarcode(width, height, symbol.text_lines);
+  const PlacedSymbol placed = Place(symbol, x, y, width, height);
+  for (const SDL_FRect& bar : placed.bars) FillRectF(bar.x, bar.y, bar.w, bar.h, fore_color);
+  last_drawn_width = placed.drawn_width;
+  for (const TextPlacement& text_placement : placed.texts) PaintTextRaster(text_placement);
   SDL_RenderPresent(canvas_renderer());
   return true;
 }
@@ -136,28 +224,28 @@ bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int wid
   InitLinerBarcode(width, height, 1);
   LinearSymbol symbol;
   if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
+  if (symbol.text_lines != 1) InitLinerBarcode(width, height, symbol.text_lines);
   SvgBegin(width, height);
   SvgRect(0, 0, static_cast<float>(width), static_cast<float>(height), back_color);
-  const int drawn_width = PaintBarsSvg(symbol.widths, x, y, width);
-  last_drawn_width = drawn_width;
-  RenderTextSvg(symbol.display_text, x, y, drawn_width, height);
+  const PlacedSymbol placed = Place(symbol, x, y, width, height);
+  for (const SDL_FRect& bar : placed.bars) SvgRect(bar.x, bar.y, bar.w, bar.h, fore_color);
+  last_drawn_width = placed.drawn_width;
+  for (const TextPlacement& text_placement : placed.texts) PaintTextSvg(text_placement);
   SvgEnd();
   return true;
 }
 
-// ---- Human-readable line ----
+// ---- Human-readable text ----
 
 namespace {
 
-// Draws one rendered piece with its top at `bottom` - font size, or higher when the
-// glyphs are taller than the font size, so nothing hangs below the box. Positions come in
-// a wide type and are clamped once: absurd scales or boxes put them off the canvas, never
-// into an overflow.
-bool BlitText(SDL_Renderer* renderer, SDL_Surface* rendered, int64_t left, int64_t bottom, int font_size) {
+// Draws one rendered piece with its top-left at (left, top). Positions come in a wide
+// type and are clamped once: absurd scales or boxes put them off the canvas, never into an
+// overflow inside the renderer.
+bool BlitText(SDL_Renderer* renderer, SDL_Surface* rendered, int64_t left, int64_t top) {
   TexturePtr texture(SDL_CreateTextureFromSurface(renderer, rendered));
   if (!texture) return false;
   SDL_SetTextureBlendMode(texture.get(), SDL_BLENDMODE_BLEND);
-  const int64_t top = bottom - std::max<int64_t>(rendered->h, font_size);
   const SDL_Rect target{ClampToPixel(left), ClampToPixel(top), rendered->w, rendered->h};
   SDL_RenderCopy(renderer, texture.get(), nullptr, &target);
   return true;
@@ -165,51 +253,65 @@ bool BlitText(SDL_Renderer* renderer, SDL_Surface* rendered, int64_t left, int64
 
 }  // namespace
 
-void BarcodeBase1D::RenderText(const std::string& text, int x, int y, int width, int height) {
-  if (!show_text || text.empty() || canvas_renderer() == nullptr) return;
+BarcodeBase1D::TextPlacement BarcodeBase1D::ClassicLine(const std::string& text, int x, int y, int width,
+                                                        int height) const {
+  TextPlacement placement;
+  if (!show_text || text.empty()) return placement;
+  const TextSpacing spacing = EvenTextSpacing(width, height, text.size(), text_font_scale, text_margin_scale);
+  placement.font_size = spacing.font_size;
+  placement.top = int64_t{y} + height;
+  placement.bottom_aligned = true;
+  if (!text_even_spacing) {
+    placement.pieces.push_back({text, x, width});
+    return placement;
+  }
+  placement.log_failures = true;
+  placement.pieces.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    const int64_t center = int64_t{x} + spacing.first_center + static_cast<int64_t>(i) * spacing.pitch;
+    placement.pieces.push_back({std::string(1, text[i]), center, 0});
+  }
+  return placement;
+}
+
+void BarcodeBase1D::PaintTextRaster(const TextPlacement& placement) {
+  if (placement.pieces.empty() || canvas_renderer() == nullptr) return;
   const std::lock_guard<std::mutex> lock(font::Mutex());
   if (m_font == nullptr) return;
-  const TextSpacing spacing = EvenTextSpacing(width, height, text.size(), text_font_scale, text_margin_scale);
-  TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(spacing.font_size, kMaxRasterFontPoints));
+  TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(placement.font_size, kMaxRasterFontPoints));
   if (font == nullptr) return;
-  const int64_t bottom = int64_t{y} + height;
-  if (!text_even_spacing) {
-    SurfacePtr rendered(TTF_RenderUTF8_Blended(font, text.c_str(), fore_color));
-    if (rendered) {
-      const int64_t left = int64_t{x} + (int64_t{width} - rendered->w) / 2;  // NOLINT(bugprone-integer-division)
-      BlitText(canvas_renderer(), rendered.get(), left, bottom, spacing.font_size);
-    }
-    return;
-  }
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char glyph[2] = {text[i], '\0'};
-    SurfacePtr rendered(TTF_RenderUTF8_Blended(font, glyph, fore_color));
+  for (const TextPiece& piece : placement.pieces) {
+    SurfacePtr rendered(TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
     if (!rendered) {
-      log::Error(std::string("TTF_RenderUTF8_Blended error: ") + SDL_GetError());
+      if (placement.log_failures) log::Error(std::string("TTF_RenderUTF8_Blended error: ") + SDL_GetError());
       continue;
     }
-    const int64_t center = int64_t{x} + spacing.first_center + static_cast<int64_t>(i) * spacing.pitch;
-    const int64_t left = center - rendered->w / 2;  // NOLINT(bugprone-integer-division)
-    if (!BlitText(canvas_renderer(), rendered.get(), left, bottom, spacing.font_size)) {
+    // Centred in the piece's span; the halving truncates toward zero.
+    const int64_t left = piece.left + (piece.width - rendered->w) / 2;  // NOLINT(bugprone-integer-division)
+    // Bottom-aligned text is lifted when its glyphs are taller than the font size, so
+    // nothing hangs below the box.
+    int64_t top = placement.top;
+    if (placement.bottom_aligned) top -= rendered->h > placement.font_size ? rendered->h : placement.font_size;
+    if (!BlitText(canvas_renderer(), rendered.get(), left, top) && placement.log_failures) {
       log::Error(std::string("SDL_CreateTextureFromSurface error: ") + SDL_GetError());
     }
   }
 }
 
+void BarcodeBase1D::PaintTextSvg(const TextPlacement& placement) {
+  const int64_t top = placement.bottom_aligned ? placement.top - placement.font_size : placement.top;
+  for (const TextPiece& piece : placement.pieces) {
+    const int64_t center = piece.left + piece.width / 2;  // NOLINT(bugprone-integer-division)
+    SvgText(static_cast<float>(center), static_cast<float>(top), piece.text, placement.font_size, fore_color, "middle");
+  }
+}
+
+void BarcodeBase1D::RenderText(const std::string& text, int x, int y, int width, int height) {
+  PaintTextRaster(ClassicLine(text, x, y, width, height));
+}
+
 void BarcodeBase1D::RenderTextSvg(const std::string& text, int x, int y, int width, int height) {
-  if (!show_text || text.empty()) return;
-  const TextSpacing spacing = EvenTextSpacing(width, height, text.size(), text_font_scale, text_margin_scale);
-  const auto top = static_cast<float>(int64_t{y} + height - spacing.font_size);
-  if (!text_even_spacing) {
-    // Whole-pixel centre, like the raster text.
-    SvgText(static_cast<float>(x + width / 2), top,  // NOLINT(bugprone-integer-division)
-            text, spacing.font_size, fore_color, "middle");
-    return;
-  }
-  for (size_t i = 0; i < text.size(); ++i) {
-    const int64_t center = int64_t{x} + spacing.first_center + static_cast<int64_t>(i) * spacing.pitch;
-    SvgText(static_cast<float>(center), top, std::string(1, text[i]), spacing.font_size, fore_color, "middle");
-  }
+  PaintTextSvg(ClassicLine(text, x, y, width, height));
 }
 
 }  // namespace barcode_orv

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <SDL_ttf.h>
@@ -44,10 +45,22 @@ class BarcodeBase1D : public BarcodeBase {
 
  protected:
   // What a width-list symbology hands to the shared layout: element widths in modules
-  // (bar first) and the text for the human-readable line.
+  // (bar first) and the text for the human-readable line. The other fields describe
+  // symbols beyond one plain row; left at their defaults they draw the classic layout
+  // (bars of one height from x, display_text under them).
   struct LinearSymbol {
+    LinearSymbol() = default;
+    LinearSymbol(std::vector<int32_t> element_widths, std::string text)
+        : widths(std::move(element_widths)), display_text(std::move(text)) {}
+
     std::vector<int32_t> widths;
     std::string display_text;
+    std::vector<BarReach> reach;     // per element (bars only count); empty: every bar kNormal
+    int32_t lead_modules = 0;        // empty modules before the first bar, counted in the width
+    int32_t trail_modules = 0;       // empty modules after the last element, likewise
+    std::vector<TextRun> text_runs;  // when not empty, drawn instead of display_text
+    float font_cap_modules = 0.0F;   // the runs' font is no taller than this many modules (0: no cap)
+    int text_lines = 1;              // text lines reserved under the bars (InitLinerBarcode)
   };
   using LinearEncoder = std::function<LinearSymbol(const std::string& text)>;
 
@@ -62,11 +75,6 @@ class BarcodeBase1D : public BarcodeBase {
   // Runs `encode`; a failure is written to standard error as `log_prefix` + message.
   static bool EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
                              LinearSymbol* symbol);
-
-  // Paints bars for `widths` from (x, y), bar_height tall; returns the drawn width.
-  int PaintBarsRaster(const std::vector<int32_t>& widths, int x, int y, int box_width);
-  int PaintBarsSvg(const std::vector<int32_t>& widths, int x, int y, int box_width);
-  BarLayout LayoutFor(const std::vector<int32_t>& widths, int x, int box_width) const;
 
   // Human-readable line under a symbol drawn `width` pixels wide in a box `height` tall.
   void RenderText(const std::string& text, int x, int y, int width, int height);
@@ -94,6 +102,34 @@ class BarcodeBase1D : public BarcodeBase {
     ~FontTeardown();
   };
   static void CloseFontsLocked();  // caller holds font::Mutex()
+
+  // One piece of text, centred in [left, left + width) (width 0: centred on left).
+  struct TextPiece {
+    std::string text;
+    int64_t left = 0;
+    int64_t width = 0;
+  };
+  // Pieces of one font size sharing one vertical position.
+  struct TextPlacement {
+    std::vector<TextPiece> pieces;
+    int font_size = 0;
+    int64_t top = 0;
+    bool bottom_aligned = false;  // glyphs end at `top` (the box's bottom) instead of starting there
+    bool log_failures = false;
+  };
+  // Bars and text of a symbol placed in the box (x, y, width, height).
+  struct PlacedSymbol {
+    std::vector<SDL_FRect> bars;
+    std::vector<TextPlacement> texts;
+    int drawn_width = 0;
+  };
+  PlacedSymbol Place(const LinearSymbol& symbol, int x, int y, int width, int height) const;
+  void PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, const RowGeometry& rows, int x, int y,
+                 int height, PlacedSymbol* placed) const;
+  void PaintTextRaster(const TextPlacement& placement);
+  void PaintTextSvg(const TextPlacement& placement);
+  // Classic line under the bars as pieces.
+  TextPlacement ClassicLine(const std::string& text, int x, int y, int width, int height) const;
 };
 
 }  // namespace barcode_orv

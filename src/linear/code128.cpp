@@ -210,6 +210,10 @@ std::vector<int32_t> EncodeSingleSet(const std::string& text, CodeSet128 set) {
 
 std::vector<int32_t> EncodeAuto(const std::string& text) { return Expand(AutoValues(text), "Invalid code value"); }
 
+void FinishCode128(std::vector<int32_t>& values) { Finish(values); }
+
+std::vector<int32_t> Code128Widths(const std::vector<int32_t>& values) { return Expand(values, "Invalid code value"); }
+
 std::vector<int32_t> EncodeCode128(const std::string& text, CodeSet128 mode) {
   if (text.empty()) throw std::runtime_error("Empty string");
   if (mode == CodeSet128::kAuto) return EncodeAuto(text);

@@ -25,6 +25,11 @@ std::vector<int32_t> EncodeSingleSet(const std::string& text, CodeSet128 set);
 // The symbol with the fewest symbol characters over all code-set changes.
 std::vector<int32_t> EncodeAuto(const std::string& text);
 
+// Appends the modulo-103 check character and the stop character to start + data values.
+void FinishCode128(std::vector<int32_t>& values);
+// Element widths (bar first) of complete symbol values, start to stop.
+std::vector<int32_t> Code128Widths(const std::vector<int32_t>& values);
+
 }  // namespace internal
 
 class Code128 : public BarcodeBase1D {

@@ -81,8 +81,10 @@ float ModuleWidthFor(int box_width, int64_t total_modules, bool fit_width) {
 BarLayout LayOutBars(const std::vector<int32_t>& widths, float x, float unit, int adjust_black, int adjust_white) {
   BarLayout layout;
   layout.bars.reserve(widths.size() / 2 + 1);
+  layout.edges.reserve(widths.size() + 1);
   float cursor = x;
   for (size_t i = 0; i < widths.size(); ++i) {
+    layout.edges.push_back(cursor);
     float width = unit * static_cast<float>(widths[i]);
     if (width < 1.0F) width = 1.0F;
     const bool is_bar = i % 2 == 0;
@@ -91,6 +93,7 @@ BarLayout LayOutBars(const std::vector<int32_t>& widths, float x, float unit, in
     if (is_bar) layout.bars.push_back(BarRect{cursor, width});
     cursor += width;
   }
+  layout.edges.push_back(cursor);
   layout.drawn_width = TruncateToInt(static_cast<double>(cursor) - x);
   return layout;
 }
@@ -108,6 +111,50 @@ TextSpacing EvenTextSpacing(int width, int height, size_t char_count, float font
   spacing.first_center =
       TruncateToInt(static_cast<double>((int64_t{width} - (n - 1) * pitch) / 2));  // NOLINT(bugprone-integer-division)
   return spacing;
+}
+
+RowGeometry LinearRows(int height, bool show_text, float font_scale, float gap_scale, int text_lines, bool has_guards,
+                       bool has_text_above, int font_cap) {
+  RowGeometry rows;
+  rows.bar_height = BarHeightFor(height, show_text, font_scale, gap_scale, text_lines);
+  rows.guard_height = rows.bar_height;
+  rows.add_on_bottom = rows.bar_height;
+  if (!show_text) return rows;
+  rows.text_height = TextHeightFor(height, font_scale);
+  rows.font_size = font_cap > 0 ? std::min(rows.text_height, font_cap) : rows.text_height;
+  rows.gap = TextGapFor(height, gap_scale);
+  const auto box = static_cast<float>(height);
+  if (has_guards) {
+    // Guards end halfway down the digits, as on retail packs.
+    const auto guard = static_cast<float>(int64_t{height} - rows.font_size + rows.font_size / 2);
+    rows.guard_height = std::max(rows.bar_height, std::min(guard, box));
+    rows.add_on_bottom = rows.guard_height;
+  }
+  if (has_text_above) {
+    rows.add_on_top = std::min(static_cast<float>(int64_t{rows.font_size} + rows.gap), rows.add_on_bottom - 1.0F);
+    rows.add_on_top = std::max(rows.add_on_top, 0.0F);
+  }
+  // Two lines share the room of four text heights: two thirds of a line's height above,
+  // between and below them.
+  const int64_t band_top = static_cast<int64_t>(rows.bar_height) + rows.gap;
+  const int64_t third = int64_t{rows.text_height} * 2 / 3;
+  rows.first_line_top = TruncateToInt(static_cast<double>(band_top + third));
+  rows.second_line_top = TruncateToInt(static_cast<double>(band_top + third + rows.text_height + third));
+  return rows;
+}
+
+float ModuleToPixel(const std::vector<int32_t>& widths, const BarLayout& layout, float x, float unit,
+                    int32_t lead_modules, float module) {
+  float start = static_cast<float>(lead_modules);
+  if (module < start || layout.edges.size() != widths.size() + 1) return x + module * unit;
+  for (size_t i = 0; i < widths.size(); ++i) {
+    const auto span = static_cast<float>(widths[i]);
+    if (module < start + span) {
+      return layout.edges[i] + (module - start) / span * (layout.edges[i + 1] - layout.edges[i]);
+    }
+    start += span;
+  }
+  return layout.edges.back() + (module - start) * unit;
 }
 
 }  // namespace barcode_orv

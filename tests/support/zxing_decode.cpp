@@ -63,10 +63,12 @@ Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet) {
   hints.setTryHarder(true);
   hints.setTryRotate(false);
   hints.setIsPure(false);
+  hints.setEanAddOnSymbol(ZXing::EanAddOnSymbol::Read);
   const ZXing::Result result = ZXing::ReadBarcode(ZXing::ImageView(grey.data(), w, h, ZXing::ImageFormat::Lum), hints);
   if (!result.isValid()) return out;
   out.ok = true;
   out.text = result.text();
+  out.symbology_identifier = result.symbologyIdentifier();
   const ZXing::ByteArray& bytes = result.bytes();
   out.bytes.assign(bytes.begin(), bytes.end());
   return out;

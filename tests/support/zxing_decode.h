@@ -26,8 +26,9 @@ enum class Symbology {
 
 struct Decoded {
   bool ok = false;
-  std::string text;   // the reader's text, UTF-8
-  std::string bytes;  // the payload bytes as the reader recovered them
+  std::string text;                  // the reader's text, UTF-8
+  std::string bytes;                 // the payload bytes as the reader recovered them
+  std::string symbology_identifier;  // "]C1" for GS1-128, "]E0" for EAN-13, ...
 };
 
 // An RGBA picture, 4 bytes a pixel in R, G, B, A order, rows packed.
@@ -42,7 +43,8 @@ struct RgbaImage {
 // linear readers want about ten modules).
 constexpr int kAutoQuietZone = -1;
 
-// Pads `quiet` white pixels on every side, then asks the reader for one symbol.
+// Pads `quiet` white pixels on every side, then asks the reader for one symbol. EAN/UPC
+// add-ons are read when present (the reader then appends a space and their digits).
 Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet = kAutoQuietZone);
 
 // Decodes a PNG file held in memory (via DecodePng) and then the symbol in it.

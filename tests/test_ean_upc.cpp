@@ -1,0 +1,237 @@
+// EAN/UPC family: check digits and UPC-E forms against published numbers, modules against
+// Zint's dumps (an independent encoder), every message, the extended-guard geometry, and
+// round trips through an independent reader with and without add-ons.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <numeric>
+#include <random>
+#include <regex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "api/ffi_internal.h"
+#include "barcode_ffi.h"
+#include "linear/ean_upc.h"
+#include "support/c_api.h"
+#include "support/zxing_decode.h"
+
+namespace barcode_orv {
+namespace {
+
+using internal::EanUpcKind;
+constexpr EanUpcKind kJan8 = EanUpcKind::kJan8, kJan13 = EanUpcKind::kJan13, kUpcA = EanUpcKind::kUpcA,
+                     kUpcE = EanUpcKind::kUpcE;
+
+// The modules as `zint --dump` prints them: hexadecimal in pairs, dark = 1.
+std::string Dump(const std::vector<int32_t>& widths) {
+  std::string bits;
+  for (size_t i = 0; i < widths.size(); ++i) bits.append(static_cast<size_t>(widths[i]), i % 2 == 0 ? '1' : '0');
+  bits.append((4 - bits.size() % 4) % 4, '0');
+  std::string hex;
+  for (size_t i = 0; i < bits.size(); i += 4) {
+    if (i > 0 && i % 8 == 0) hex += ' ';
+    hex += "0123456789ABCDEF"[std::stoi(bits.substr(i, 4), nullptr, 2)];
+  }
+  return hex;
+}
+
+TEST(EanUpcCodes, CheckDigitsAndUpcEForms) {
+  const struct {
+    EanUpcKind kind;
+    const char* text;
+    const char* digits;
+  } cases[] = {
+      {kJan13, "490123456789", "4901234567894"},
+      {kJan8, "4912345", "49123456"},
+      {kUpcA, "03600029145", "036000291452"},
+      {kUpcE, "123456", "01234565"},
+      {kUpcE, "0123456", "01234565"},
+      {kUpcE, "012345000065", "01234565"},  // its UPC-A
+      {kUpcE, "04252614", "04252614"},
+      {kUpcE, "11234562", "11234562"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(internal::ParseEanUpc(c.kind, c.text).digits, c.digits) << c.text;
+  // UPC-E numbers and their UPC-A expansions (the first from the GS1 examples).
+  const std::pair<const char*, const char*> forms[] = {
+      {"04252614", "042100005264"}, {"01234565", "012345000065"}, {"01234531", "012300000451"},
+      {"01234543", "012340000053"}, {"11234562", "112345000062"},
+  };
+  for (const auto& [upce, upca] : forms) {
+    EXPECT_EQ(internal::ExpandUpcE(upce), upca);
+    EXPECT_EQ(internal::CompressUpcA(upca), upce);
+  }
+  EXPECT_EQ(internal::CompressUpcA("036000291452"), "");
+}
+
+TEST(EanUpcModules, MatchZintDumps) {
+  // zint -b 13 (EAN), 34 (UPC-A), 37 (UPC-E) --addongap=9 --dump
+  const struct {
+    EanUpcKind kind;
+    const char* text;
+    const char* dump;
+  } cases[] = {
+      {kJan13, "4901234567894", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA"},
+      {kJan13, "4901234567894+35", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA 00 B4 2B 9"},
+      {kJan13, "4901234567894 12345", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA 00 B6 69 35 0A 8D 62"},
+      {kJan8, "49123456", "A8 C5 99 26 A8 57 27 50 A"},
+      {kUpcA, "036000291452", "A3 5E AF 1A 34 6A B6 74 CD 72 76 CA"},
+      {kUpcA, "036000291452+35", "A3 5E AF 1A 34 6A B6 74 CD 72 76 CA 00 B4 2B 9"},
+      {kUpcE, "01234565", "AC C9 BD 3A E5 7A A"},
+      {kUpcE, "04252614", "A7 49 B9 36 BC CA A"},
+      {kUpcE, "11234562", "A6 49 A1 3A C4 2A A"},
+      {kUpcE, "01234565+90210", "AC C9 BD 3A E5 7A A0 0B 2E 8D 49 AC D1 A"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Dump(internal::EncodeEanUpc(c.kind, internal::ParseEanUpc(c.kind, c.text))), c.dump) << c.text;
+  }
+}
+
+TEST(EanUpcErrors, EveryMessage) {
+  const struct {
+    int type;
+    const char* text;
+    const char* message;
+  } cases[] = {
+      {BARCODE_JAN13, "4901234567890", "[Jan13] Invalid check digit: expected 4"},
+      {BARCODE_JAN13, "49012345678", "[Jan13] Invalid length 11: 12 or 13 digits required"},
+      {BARCODE_JAN13, "49012345678A", "[Jan13] Invalid character 'A': digits only"},
+      {BARCODE_JAN13, "", "[Jan13] Empty string"},
+      {BARCODE_JAN13, "4901234567894+123", "[Jan13] Invalid add-on length 3: 2 or 5 digits required"},
+      {BARCODE_JAN13, "4901234567894+1x", "[Jan13] Invalid character 'x': digits only"},
+      {BARCODE_JAN8, "491234567", "[Jan8] Invalid length 9: 7 or 8 digits required"},
+      {BARCODE_JAN8, "49123457", "[Jan8] Invalid check digit: expected 6"},
+      {BARCODE_UPCA, "036000291453", "[UpcA] Invalid check digit: expected 2"},
+      {BARCODE_UPCA, "0360002914", "[UpcA] Invalid length 10: 11 or 12 digits required"},
+      {BARCODE_UPCE, "21234565", "[UpcE] Invalid number system 2: UPC-E needs 0 or 1"},
+      {BARCODE_UPCE, "01234560", "[UpcE] Invalid check digit: expected 5"},
+      {BARCODE_UPCE, "12345", "[UpcE] Invalid length 5: 6, 7 or 8 digits (or a UPC-A of 11 or 12) required"},
+      {BARCODE_UPCE, "036000291452", "[UpcE] UPC-A 036000291452 has no UPC-E form"},
+      {BARCODE_UPCE, "236000291452", "[UpcE] Invalid check digit: expected 6"},
+      {BARCODE_UPCE, "23600029145", "[UpcE] Invalid number system 2: UPC-E needs 0 or 1"},
+  };
+  for (const auto& c : cases) {
+    testing::HandlePtr handle = testing::MakeHandle(c.type);
+    for (const char* format : {"png", "svg"}) {
+      barcode_set_output_format(handle.get(), format);
+      ::testing::internal::CaptureStderr();
+      EXPECT_EQ(barcode_draw_1d(handle.get(), c.text, 300, 100), 0) << c.text;
+      EXPECT_EQ(::testing::internal::GetCapturedStderr(), std::string(c.message) + "\n");
+    }
+  }
+}
+
+struct Svg {
+  std::vector<std::vector<float>> rects;             // x, y, width, height; background first
+  std::vector<std::pair<float, std::string>> texts;  // x, text
+  std::vector<float> text_tops;
+};
+
+Svg ParseSvg(const std::string& svg) {
+  Svg out;
+  const std::regex rect("<rect x=\"([-0-9.]+)\" y=\"([-0-9.]+)\" width=\"([-0-9.]+)\" height=\"([-0-9.]+)\"");
+  for (std::sregex_iterator it(svg.begin(), svg.end(), rect), end; it != end; ++it) {
+    out.rects.push_back({std::stof((*it)[1]), std::stof((*it)[2]), std::stof((*it)[3]), std::stof((*it)[4])});
+  }
+  const std::regex text("<text x=\"([-0-9.]+)\" y=\"([-0-9.]+)\"[^>]*>([^<]*)</text>");
+  for (std::sregex_iterator it(svg.begin(), svg.end(), text), end; it != end; ++it) {
+    out.texts.emplace_back(std::stof((*it)[1]), (*it)[3]);
+    out.text_tops.push_back(std::stof((*it)[2]));
+  }
+  return out;
+}
+
+// Box 300 x 100: text 20 px, gap 5, bars 75 px; extended guards end 10 px into the digits.
+TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
+  auto draw = [](int type, const char* text, bool extended) {
+    testing::HandlePtr handle = testing::MakeHandle(type);
+    barcode_set_output_format(handle.get(), "svg");
+    barcode_set_extended_guard(handle.get(), extended ? 1 : 0);
+    EXPECT_EQ(barcode_draw_1d(handle.get(), text, 300, 100), 1);
+    return ParseSvg(barcode_get_svg(handle.get()));
+  };
+  // JAN-13: 7 lead modules for the leading digit + 95 = 102 modules at 2 px.
+  const Svg jan13 = draw(BARCODE_JAN13, "4901234567894", true);
+  ASSERT_EQ(jan13.rects.size(), 1U + 30U);
+  EXPECT_EQ(jan13.rects[1], (std::vector<float>{14, 0, 2, 90}));  // start guard
+  EXPECT_EQ(jan13.rects[3][3], 75.0F);                            // first data bar
+  EXPECT_EQ(jan13.rects[15][3], 90.0F);                           // centre guard
+  const std::vector<std::pair<float, std::string>> digits = {
+      {7, "4"},   {27, "9"},  {41, "0"},  {55, "1"},  {69, "2"},  {83, "3"},  {97, "4"},
+      {121, "5"}, {135, "6"}, {149, "7"}, {163, "8"}, {177, "9"}, {191, "4"},
+  };
+  EXPECT_EQ(jan13.texts, digits);
+  EXPECT_EQ(jan13.text_tops.front(), 80.0F);
+
+  // UPC-A: the first and last characters are long too; the check digit right of the symbol.
+  const Svg upca = draw(BARCODE_UPCA, "036000291452", true);
+  EXPECT_EQ(upca.rects[3][3], 90.0F);  // number-system character
+  EXPECT_EQ(upca.rects[5][3], 75.0F);
+  EXPECT_EQ(upca.texts.back(), (std::pair<float, std::string>{211, "2"}));  // (7 + 95 + 3.5) x 2
+
+  // Plain: no outside room, bars of one height, the number spread under the bars.
+  const Svg plain = draw(BARCODE_JAN13, "4901234567894", false);
+  EXPECT_EQ(plain.rects[1], (std::vector<float>{0, 0, 3, 75}));  // 95 modules at 3 px
+  for (size_t i = 1; i < plain.rects.size(); ++i) EXPECT_EQ(plain.rects[i][3], 75.0F);
+  EXPECT_EQ(plain.texts.size(), 13U);
+
+  // Add-on: digits over it at the top, bars from below them down to the guards' end.
+  const Svg addon = draw(BARCODE_UPCE, "01234565+12", true);
+  EXPECT_EQ(addon.rects.back()[1], 25.0F);
+  EXPECT_EQ(addon.rects.back()[1] + addon.rects.back()[3], 90.0F);
+  EXPECT_EQ(addon.text_tops.back(), 0.0F);
+  for (const auto& [x, text] : addon.texts) EXPECT_TRUE(x > 0 && x < 300) << text;
+}
+
+TEST(EanUpcRoundTrip, RandomNumbersBothGuardStylesWithAndWithoutAddOns) {
+  const struct {
+    int type;
+    EanUpcKind kind;
+    size_t length;  // digits without the check digit
+    testing::Symbology reader;
+  } kinds[] = {
+      {BARCODE_JAN8, kJan8, 7, testing::Symbology::kEAN8},
+      {BARCODE_JAN13, kJan13, 12, testing::Symbology::kEAN13},
+      {BARCODE_UPCA, kUpcA, 11, testing::Symbology::kUPCA},
+      {BARCODE_UPCE, kUpcE, 7, testing::Symbology::kUPCE},
+  };
+  std::mt19937 rng(8);
+  auto digits = [&](size_t n) {
+    std::string s(n, '0');
+    for (char& c : s) c = static_cast<char>('0' + std::uniform_int_distribution<int>(0, 9)(rng));
+    return s;
+  };
+  for (const auto& k : kinds) {
+    testing::HandlePtr handle = testing::MakeHandle(k.type);
+    for (int i = 0; i < 36; ++i) {
+      std::string main = digits(k.length);
+      if (k.kind == kUpcE) main[0] = static_cast<char>('0' + i / 2 % 2);
+      const std::string add_on = i % 3 == 0 ? "" : digits(i % 3 == 1 ? 2 : 5);
+      barcode_set_extended_guard(handle.get(), i % 2);
+      const std::string text = add_on.empty() ? main : main + (i % 4 == 0 ? " " : "+") + add_on;
+      ASSERT_EQ(barcode_draw_1d(handle.get(), text.c_str(), 200 + 40 * (i % 5), 90 + 5 * (i % 7)), 1) << text;
+      const std::string expected = internal::ParseEanUpc(k.kind, main).digits + (add_on.empty() ? "" : " " + add_on);
+      const testing::Decoded decoded = testing::DecodeHandle(handle.get(), k.reader);
+      EXPECT_TRUE(decoded.ok && decoded.text == expected) << text << " read " << decoded.text;
+    }
+  }
+}
+
+TEST(EanUpcCInterface, ExtendedGuardOnlyForTheFamily) {
+  testing::HandlePtr code39 = testing::MakeHandle(BARCODE_CODE39);
+  barcode_set_extended_guard(code39.get(), 1);  // ignored, no crash
+  barcode_set_extended_guard(nullptr, 1);
+  for (int type : {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE}) {
+    testing::HandlePtr handle = testing::MakeHandle(type);
+    ASSERT_NE(handle, nullptr);
+    auto* object = dynamic_cast<EanUpcBarcode*>(handle->object.get());
+    ASSERT_NE(object, nullptr);
+    EXPECT_TRUE(object->GetExtendedGuard());
+    barcode_set_extended_guard(handle.get(), 0);
+    EXPECT_FALSE(object->GetExtendedGuard());
+  }
+}
+
+}  // namespace
+}  // namespace barcode_orv

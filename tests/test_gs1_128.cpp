@@ -1,0 +1,240 @@
+// GS1-128: element-string parsing and AI validation, check digits and pairs against the
+// published vectors, FNC1 placement, the fewest-characters code-set choice in the ISO
+// code sets, the convenience-store layout, and round trips through an independent reader.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <random>
+#include <regex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "barcode_ffi.h"
+#include "linear/code128_iso.h"
+#include "linear/gs1_128.h"
+#include "linear/gs1_element_string.h"
+#include "support/c_api.h"
+#include "support/zxing_decode.h"
+
+namespace barcode_orv {
+namespace {
+
+using Values = std::vector<int32_t>;
+
+std::string ParseError(const std::string& text) {
+  try {
+    internal::ParseGs1ElementString(text);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "(accepted)";
+}
+
+TEST(Gs1ElementString, ValidAndCompletedData) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"(01)0491234567890", "(01)04912345678904"},  // check digit appended
+      {"(01)04912345678904(10)ABC-12(17)251231", "(01)04912345678904(10)ABC-12(17)251231"},
+      {"(10)A\\(B\\)", "(10)A(B)"},  // escaped parentheses are data
+      {"(11)250200", "(11)250200"},  // YYMMD0: day 00 is allowed
+      {"(253)123456789012", "(253)1234567890128"},
+      {"(253)1234567890128ABC", "(253)1234567890128ABC"},
+      {"(8003)0123456789012", "(8003)01234567890128"},  // the check digit of the second field
+      {"(8013)1987654Ad4X4bL5ttr2310c2K", "(8013)1987654Ad4X4bL5ttr2310c2K"},
+      {"(8030)QUJD=", "(8030)QUJD="},  // base64url with padding
+      {"(7007)240229", "(7007)240229"},
+      {"(4324)2512312359", "(4324)2512312359"},
+  };
+  for (const auto& [text, readable] : cases) {
+    EXPECT_EQ(internal::Gs1HumanReadable(internal::ParseGs1ElementString(text)), readable) << text;
+  }
+}
+
+TEST(Gs1ElementString, EveryMessage) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "Empty string"},
+      {"0104912345678904", "Element string must start with an AI in parentheses, such as (01)"},
+      {"(01", "Unclosed parenthesis: (01"},
+      {"(1)2", "Invalid AI (1)"},
+      {"(0A)2", "Invalid AI (0A)"},
+      {"(23)1", "Unknown AI (23)"},
+      {"(10)", "AI (10) has no data"},
+      {"(10)123456789012345678901", "AI (10) too long (max 20)"},
+      {"(01)049123456789", "AI (01) too short (min 14)"},
+      {"(01)04912345678905", "Invalid check digit in AI (01): expected 4"},
+      {"(01)0491234567890A", "Invalid character 'A' in AI (01)"},
+      {"(10)A~B", "Invalid character '~' in AI (10)"},
+      {"(10)A\\\\B", "Invalid character '\\' in AI (10)"},  // an escaped backslash is no GS1 data
+      {"(17)251301", "Invalid date in AI (17): 251301"},
+      {"(17)250229", "Invalid date in AI (17): 250229"},
+      {"(7007)250101250132", "Invalid date in AI (7007): 250132"},
+      {"(4324)2512312460", "Invalid time in AI (4324): 2460"},
+      {"(7007)12345678A", "AI (7007) has the wrong length 9 for its format N6+[N6]"},
+      {"(8013)1987654Ad4X4bL5ttr2310c2L", "Invalid check pair in AI (8013): expected 2K"},
+  };
+  for (const auto& [text, message] : cases) EXPECT_EQ(ParseError(text), message) << text;
+}
+
+TEST(Gs1ElementString, CheckPairsOfThePublishedVectors) {
+  const std::pair<const char*, const char*> vectors[] = {
+      {"!", "22"},
+      {"!!", "22"},
+      {"1987654Ad4X4bL5ttr2310c", "2K"},
+      {"12345678901234567890123", "NT"},
+      {"12345_ABCDEFGHIJKLM", "CP"},
+      {"12345_NOPQRSTUVWXYZ", "DN"},
+      {"12345_abcdefghijklm", "N3"},
+      {"12345_nopqrstuvwxyz", "P2"},
+      {"12345_0123456789:;<=>?", "62"},
+      {"7907665Bm8v2", "AB"},
+  };
+  for (const auto& [data, pair] : vectors) EXPECT_EQ(internal::Gs1CheckPair(data), pair) << data;
+}
+
+TEST(Gs1ElementString, SeparatorAfterVariableLengthFieldsThatAreNotLast) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"(01)04912345678904(10)AB", "010491234567890410AB"},
+      {"(10)AB(01)04912345678904",
+       "10AB\x1D"
+       "0104912345678904"},
+      {"(10)AB(21)X(17)251231",
+       "10AB\x1D"
+       "21X\x1D"
+       "17251231"},
+      {"(4321)1(10)A",
+       "43211\x1D"
+       "10A"},  // fixed length but not predefined: FNC1 too
+  };
+  for (const auto& [text, data] : cases) {
+    EXPECT_EQ(internal::Gs1Concatenated(internal::ParseGs1ElementString(text)), data) << text;
+  }
+}
+
+TEST(Gs1128Values, FnC1FirstAndTheFewestCharacters) {
+  // Symbol values worked out by hand (ISO/IEC 15417 values; check = start + sum of i x value).
+  const std::pair<const char*, Values> cases[] = {
+      {"(01)04912345678904", {105, 102, 1, 4, 91, 23, 45, 67, 89, 4, 24, 106}},
+      {"(10)ABC", {105, 102, 10, 100, 33, 34, 35, 9, 106}},  // C for the AI, then B
+      {"(10)123", {105, 102, 10, 12, 100, 19, 37, 106}},     // odd digit in B
+      {"(10)AB(21)12", {105, 102, 10, 100, 33, 34, 102, 99, 21, 12, 41, 106}},
+      {"(10)a1234b", {105, 102, 10, 100, 65, 17, 18, 19, 20, 66, 13, 106}},  // C for 4 digits ties: stay
+      {"(10)a123456b", {105, 102, 10, 100, 65, 99, 12, 34, 56, 100, 66, 98, 106}},
+  };
+  for (const auto& [text, values] : cases) {
+    EXPECT_EQ(internal::Gs1128Values(internal::ParseGs1ElementString(text)), values) << text;
+  }
+  // Set A values and SHIFT, which GS1 data never needs: a control character in lower case.
+  EXPECT_EQ(internal::Iso15417Values({'a', '\t', 'b'}), (Values{104, 65, 98, 73, 66, 24, 106}));
+  EXPECT_EQ(internal::Iso15417Values({'A', '\t', '\n'}), (Values{103, 33, 73, 74, 92, 106}));
+  // 48 data characters fit: start C, FNC1, 24 pairs, check, stop; 49 do not.
+  EXPECT_EQ(internal::Gs1128Values(internal::ParseGs1ElementString("(91)" + std::string(46, '1'))).size(), 28U);
+  EXPECT_THROW(internal::Gs1128Values(internal::ParseGs1ElementString("(91)" + std::string(47, '1'))),
+               std::runtime_error);
+}
+
+TEST(Gs1128Convenience, CheckDigitFieldsAndTwoLines) {
+  const std::string body = "9191234512345678901234567890123425013102500";
+  const std::string code = internal::ConvenienceCode(body);
+  EXPECT_EQ(code, body + "1");
+  EXPECT_EQ(internal::ConvenienceCode(code), code);
+  const auto [first, second] = internal::ConvenienceTextLines(code);
+  EXPECT_EQ(first, "91-912345-123456789012345678901");
+  EXPECT_EQ(second, "2-342501-3-102500-1");
+  const std::pair<std::string, const char*> errors[] = {
+      {body.substr(1), "Invalid length 42: a convenience-store code has 43 or 44 digits"},
+      {body + "12", "Invalid length 45: a convenience-store code has 43 or 44 digits"},
+      {"92" + body.substr(2), "A convenience-store code starts with AI 91"},
+      {body + "7", "Invalid check digit: expected 1"},
+      {body.substr(0, 42) + "x", "Invalid character 'x': digits only"},
+  };
+  for (const auto& [text, message] : errors) {
+    testing::HandlePtr handle = testing::MakeHandle(BARCODE_GS1_128);
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(barcode_draw_convenience(handle.get(), text.c_str(), 600, 240), 0);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), std::string("[GS1-128] ") + message + "\n");
+  }
+
+  // Start C, FNC1, 22 digit pairs, check, stop; two text lines under short bars.
+  testing::HandlePtr handle = testing::MakeHandle(BARCODE_GS1_128);
+  barcode_set_output_format(handle.get(), "svg");
+  ASSERT_EQ(barcode_draw_convenience(handle.get(), body.c_str(), 600, 240), 1);
+  const std::string svg = barcode_get_svg(handle.get());
+  std::vector<float> tops;
+  std::string text;
+  const std::regex glyph("<text x=\"[-0-9.]+\" y=\"([-0-9.]+)\"[^>]*>([^<]*)</text>");
+  for (std::sregex_iterator it(svg.begin(), svg.end(), glyph), end; it != end; ++it) {
+    if (tops.empty() || tops.back() != std::stof((*it)[1])) {
+      tops.push_back(std::stof((*it)[1]));
+      text += "|";
+    }
+    text += (*it)[2];
+  }
+  EXPECT_EQ(text, "|" + first + "|" + second);
+  // Height 240: T 36, G 16, bars 240 - 16 - 4 x 36 = 80; lines at 80 + 16 + 24 and + 36 + 24.
+  EXPECT_EQ(tops, (std::vector<float>{120, 180}));
+  EXPECT_NE(svg.find("height=\"80.00\""), std::string::npos);
+}
+
+// Random element strings of common AIs, read back with their FNC1 separators as GS.
+TEST(Gs1128RoundTrip, RandomElementStringsAndConvenienceCodes) {
+  std::mt19937 rng(128);
+  auto pick = [&](const std::string& from, size_t n) {
+    std::string s(n, ' ');
+    for (char& c : s) c = from[std::uniform_int_distribution<size_t>(0, from.size() - 1)(rng)];
+    return s;
+  };
+  auto number = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
+  const std::string digits = "0123456789";
+  const std::string alnum = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-./";
+  testing::HandlePtr handle = testing::MakeHandle(BARCODE_GS1_128);
+  barcode_set_show_text(handle.get(), 0);
+  for (int i = 0; i < 60; ++i) {
+    std::string text;
+    std::vector<int> order = {0, 1, 2, 3, 4};
+    std::shuffle(order.begin(), order.end(), rng);
+    order.resize(static_cast<size_t>(number(1, 3)));
+    for (int field : order) {
+      char date[16];
+      std::snprintf(date, sizeof date, "%02d%02d%02d", number(0, 99), number(1, 12), number(1, 28));
+      switch (field) {
+        case 0: text += "(01)" + pick(digits, 13); break;
+        case 1: text += "(10)" + pick(alnum, static_cast<size_t>(number(1, 12))); break;
+        case 2: text += std::string("(17)") + date; break;
+        case 3: text += "(21)" + pick(alnum, static_cast<size_t>(number(1, 10))); break;
+        default: text += "(3103)" + pick(digits, 6); break;
+      }
+    }
+    const std::string expected = internal::Gs1Concatenated(internal::ParseGs1ElementString(text));
+    ASSERT_EQ(barcode_draw_1d(handle.get(), text.c_str(), 700, 80), 1) << text;
+    const testing::Decoded decoded = testing::DecodeHandle(handle.get(), testing::Symbology::kCode128);
+    EXPECT_TRUE(decoded.ok && decoded.text == expected && decoded.symbology_identifier == "]C1")
+        << text << " read " << decoded.text << " as " << decoded.symbology_identifier;
+  }
+  for (int i = 0; i < 10; ++i) {
+    const std::string code = "91" + pick(digits, 41);
+    ASSERT_EQ(barcode_draw_convenience(handle.get(), code.c_str(), 600, 100), 1);
+    const testing::Decoded decoded = testing::DecodeHandle(handle.get(), testing::Symbology::kCode128);
+    EXPECT_TRUE(decoded.ok && decoded.text == internal::ConvenienceCode(code) && decoded.symbology_identifier == "]C1")
+        << code << " read " << decoded.text;
+  }
+}
+
+TEST(Gs1128CInterface, FitWidthByDefaultAndConvenienceOnlyForGs1128) {
+  testing::HandlePtr handle = testing::MakeHandle(BARCODE_GS1_128);
+  barcode_set_output_format(handle.get(), "svg");
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "(01)04912345678904", 500, 100), 1);
+  const std::string svg = barcode_get_svg(handle.get());
+  const std::regex rect("<rect x=\"([0-9.]+)\" y=\"[0-9.]+\" width=\"([0-9.]+)\"");
+  float right = 0;
+  for (std::sregex_iterator it(svg.begin(), svg.end(), rect), end; it != end; ++it) {
+    right = std::stof((*it)[1]) + std::stof((*it)[2]);
+  }
+  EXPECT_NEAR(right, 500.0F, 0.5F);  // the last bar ends at the box's edge
+  EXPECT_NE(svg.find(">(</text>"), std::string::npos);
+  testing::HandlePtr code128 = testing::MakeHandle(BARCODE_CODE128);
+  EXPECT_EQ(barcode_draw_convenience(code128.get(), "9191234512345678901234567890123425013102500", 600, 240), 0);
+}
+
+}  // namespace
+}  // namespace barcode_orv
