@@ -184,40 +184,6 @@ TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
   for (const auto& [x, text] : addon.texts) EXPECT_TRUE(x > 0 && x < 300) << text;
 }
 
-TEST(EanUpcRoundTrip, RandomNumbersBothGuardStylesWithAndWithoutAddOns) {
-  const struct {
-    int type;
-    EanUpcKind kind;
-    size_t length;  // digits without the check digit
-    testing::Symbology reader;
-  } kinds[] = {
-      {BARCODE_JAN8, kJan8, 7, testing::Symbology::kEAN8},
-      {BARCODE_JAN13, kJan13, 12, testing::Symbology::kEAN13},
-      {BARCODE_UPCA, kUpcA, 11, testing::Symbology::kUPCA},
-      {BARCODE_UPCE, kUpcE, 7, testing::Symbology::kUPCE},
-  };
-  std::mt19937 rng(8);
-  auto digits = [&](size_t n) {
-    std::string s(n, '0');
-    for (char& c : s) c = static_cast<char>('0' + std::uniform_int_distribution<int>(0, 9)(rng));
-    return s;
-  };
-  for (const auto& k : kinds) {
-    testing::HandlePtr handle = testing::MakeHandle(k.type);
-    for (int i = 0; i < 36; ++i) {
-      std::string main = digits(k.length);
-      if (k.kind == kUpcE) main[0] = static_cast<char>('0' + i / 2 % 2);
-      const std::string add_on = i % 3 == 0 ? "" : digits(i % 3 == 1 ? 2 : 5);
-      barcode_set_extended_guard(handle.get(), i % 2);
-      const std::string text = add_on.empty() ? main : main + (i % 4 == 0 ? " " : "+") + add_on;
-      ASSERT_EQ(barcode_draw_1d(handle.get(), text.c_str(), 200 + 40 * (i % 5), 90 + 5 * (i % 7)), 1) << text;
-      const std::string expected = internal::ParseEanUpc(k.kind, main).digits + (add_on.empty() ? "" : " " + add_on);
-      const testing::Decoded decoded = testing::DecodeHandle(handle.get(), k.reader);
-      EXPECT_TRUE(decoded.ok && decoded.text == expected) << text << " read " << decoded.text;
-    }
-  }
-}
-
 TEST(EanUpcCInterface, ExtendedGuardOnlyForTheFamily) {
   testing::HandlePtr code39 = testing::MakeHandle(BARCODE_CODE39);
   barcode_set_extended_guard(code39.get(), 1);  // ignored, no crash

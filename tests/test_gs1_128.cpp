@@ -176,50 +176,6 @@ TEST(Gs1128Convenience, CheckDigitFieldsAndTwoLines) {
   EXPECT_NE(svg.find("height=\"80.00\""), std::string::npos);
 }
 
-// Random element strings of common AIs, read back with their FNC1 separators as GS.
-TEST(Gs1128RoundTrip, RandomElementStringsAndConvenienceCodes) {
-  std::mt19937 rng(128);
-  auto pick = [&](const std::string& from, size_t n) {
-    std::string s(n, ' ');
-    for (char& c : s) c = from[std::uniform_int_distribution<size_t>(0, from.size() - 1)(rng)];
-    return s;
-  };
-  auto number = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
-  const std::string digits = "0123456789";
-  const std::string alnum = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-./";
-  testing::HandlePtr handle = testing::MakeHandle(BARCODE_GS1_128);
-  barcode_set_show_text(handle.get(), 0);
-  for (int i = 0; i < 60; ++i) {
-    std::string text;
-    std::vector<int> order = {0, 1, 2, 3, 4};
-    std::shuffle(order.begin(), order.end(), rng);
-    order.resize(static_cast<size_t>(number(1, 3)));
-    for (int field : order) {
-      char date[16];
-      std::snprintf(date, sizeof date, "%02d%02d%02d", number(0, 99), number(1, 12), number(1, 28));
-      switch (field) {
-        case 0: text += "(01)" + pick(digits, 13); break;
-        case 1: text += "(10)" + pick(alnum, static_cast<size_t>(number(1, 12))); break;
-        case 2: text += std::string("(17)") + date; break;
-        case 3: text += "(21)" + pick(alnum, static_cast<size_t>(number(1, 10))); break;
-        default: text += "(3103)" + pick(digits, 6); break;
-      }
-    }
-    const std::string expected = internal::Gs1Concatenated(internal::ParseGs1ElementString(text));
-    ASSERT_EQ(barcode_draw_1d(handle.get(), text.c_str(), 700, 80), 1) << text;
-    const testing::Decoded decoded = testing::DecodeHandle(handle.get(), testing::Symbology::kCode128);
-    EXPECT_TRUE(decoded.ok && decoded.text == expected && decoded.symbology_identifier == "]C1")
-        << text << " read " << decoded.text << " as " << decoded.symbology_identifier;
-  }
-  for (int i = 0; i < 10; ++i) {
-    const std::string code = "91" + pick(digits, 41);
-    ASSERT_EQ(barcode_draw_convenience(handle.get(), code.c_str(), 600, 100), 1);
-    const testing::Decoded decoded = testing::DecodeHandle(handle.get(), testing::Symbology::kCode128);
-    EXPECT_TRUE(decoded.ok && decoded.text == internal::ConvenienceCode(code) && decoded.symbology_identifier == "]C1")
-        << code << " read " << decoded.text;
-  }
-}
-
 TEST(Gs1128CInterface, FitWidthByDefaultAndConvenienceOnlyForGs1128) {
   testing::HandlePtr handle = testing::MakeHandle(BARCODE_GS1_128);
   barcode_set_output_format(handle.get(), "svg");
