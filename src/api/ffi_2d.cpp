@@ -1,13 +1,16 @@
 // The C interface of the two-dimensional symbologies: string encoding, the QR settings,
 // the Data Matrix and PDF417 settings, and the 2D draw entry points.
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "api/ffi_internal.h"
 #include "twod/barcode_base_2d.h"
+#include "twod/datamatrix.h"
 #include "twod/qr.h"
 
 using barcode_orv::BarcodeBase2D;
+using barcode_orv::DataMatrix;
 using barcode_orv::QR;
 using barcode_orv::QRErrorCorrectionLevel;
 using barcode_orv::ffi::ObjectFor;
@@ -59,10 +62,28 @@ int GuardDraw(Body&& body) {
   }
 }
 
-// The Data Matrix and PDF417 classes are not part of this build, so barcode_create never
-// returns their handles; these setters only check the type, and the classes will consume
-// the values once they exist.
-void ForDataMatrix(BarcodeHandle* handle) { (void)ObjectFor(handle, {BARCODE_DATAMATRIX}); }
+DataMatrix* DataMatrixObject(BarcodeHandle* handle) {
+  return dynamic_cast<DataMatrix*>(ObjectFor(handle, {BARCODE_DATAMATRIX}));
+}
+
+// "AUTO" and every unknown text mean the automatic size.
+int CodeSizeFromText(const char* text) {
+  for (int i = 0; i < barcode_orv::internal::kDataMatrixSizeCount; ++i) {
+    if (Is(text, barcode_orv::internal::kDataMatrixSizes[i].name)) return i;
+  }
+  return barcode_orv::internal::kAutoSize;
+}
+
+int SchemeFromText(const char* text) {
+  static constexpr const char* kSchemes[] = {"ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256"};
+  for (int i = 0; i < static_cast<int>(std::size(kSchemes)); ++i) {
+    if (Is(text, kSchemes[i])) return i;
+  }
+  return static_cast<int>(barcode_orv::internal::Encodation::kAuto);
+}
+
+// The PDF417 class is not part of this build, so barcode_create never returns its
+// handles; these setters only check the type.
 void ForPdf417(BarcodeHandle* handle) { (void)ObjectFor(handle, {BARCODE_PDF417}); }
 
 }  // namespace
@@ -92,11 +113,13 @@ void barcode_set_encode_mode(BarcodeHandle* handle, const char* mode) {
 }
 
 void barcode_set_code_size(BarcodeHandle* handle, const char* size) {
-  if (size != nullptr) ForDataMatrix(handle);
+  DataMatrix* object = DataMatrixObject(handle);
+  if (object != nullptr && size != nullptr) object->SetCodeSize(CodeSizeFromText(size));
 }
 
 void barcode_set_encode_scheme(BarcodeHandle* handle, const char* scheme) {
-  if (scheme != nullptr) ForDataMatrix(handle);
+  DataMatrix* object = DataMatrixObject(handle);
+  if (object != nullptr && scheme != nullptr) object->SetEncodeScheme(SchemeFromText(scheme));
 }
 
 void barcode_set_error_level(BarcodeHandle* handle, int /*level*/) { ForPdf417(handle); }

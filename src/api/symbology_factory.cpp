@@ -9,6 +9,7 @@
 #include "linear/matrix2of5.h"
 #include "linear/nec2of5.h"
 #include "linear/nw7.h"
+#include "twod/datamatrix.h"
 #include "twod/qr.h"
 
 namespace barcode_orv::ffi {
@@ -24,6 +25,7 @@ std::unique_ptr<BarcodeBase> MakeSymbology(int type) {
     case BARCODE_NEC2OF5: return std::make_unique<NEC2of5>(format);
     case BARCODE_ITF: return std::make_unique<ITF>(format);
     case BARCODE_QR: return std::make_unique<QR>(format);
+    case BARCODE_DATAMATRIX: return std::make_unique<DataMatrix>(format);
     default: return nullptr;  // not provided by this build
   }
 }
