@@ -37,7 +37,11 @@ std::string Text(FuzzedDataProvider& in) {
       "STACKED",   "STACKED_OMNIDIRECTIONAL",
       "UNSTACKED", "24x24",
       "C40",       "",
-      "12345",
+      "12345",     "10x10",
+      "144x144",   "8x18",
+      "16x48",     "ASCII",
+      "TEXT",      "X12",
+      "EDIFACT",   "BASE256",
   };
   if (in.ConsumeBool()) return kKeywords[in.ConsumeIntegralInRange<size_t>(0, std::size(kKeywords) - 1)];
   return in.ConsumeRandomLengthString(kMaxText);

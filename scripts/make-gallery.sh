@@ -29,6 +29,11 @@ samples=(
   "qr-version-10|qr|fixed version ten|--width 400 --height 400 --version 10 --fg 20,40,120"
   "qr-fit-width|qr|fit-width: modules spread over the box|--width 250 --height 250 --fit-width"
   "qr-rect-thin|qr|rectangular box, thinned modules|--width 320 --height 200 --px-adjust-black -1 --bg 255,250,230"
+  "datamatrix-auto|datamatrix|Data Matrix ECC 200 from libbarcode_orv|--width 240 --height 240"
+  "datamatrix-c40|datamatrix|LOT 4711-0815 EXP 2026-11|--width 240 --height 240 --encode-scheme C40"
+  "datamatrix-rectangular|datamatrix|RECT 16x48 SYMBOL 2026|--width 480 --height 160 --code-size 16x48"
+  "datamatrix-shift-jis|datamatrix|データマトリックス 二次元コード|--width 240 --height 240 --string-encoding shift-jis"
+  "datamatrix-144|datamatrix|$(printf '0123456789%.0s' $(seq 1 300))|--width 432 --height 432 --code-size 144x144 --fg 20,40,120"
 )
 
 html="$out/index.html"

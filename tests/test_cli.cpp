@@ -73,6 +73,7 @@ TEST(CliTest, FailuresExitNonZeroWithTheLibrarysMessage) {
       {"code39 'A*B'", "[Code39] Invalid character in CODE39: '*' is reserved for start/stop code"},
       {"--code-mode C code128 123", "[Code128] Not 2-digit at pos=2"},
       {"--error-correction H qr '" + std::string(1300, 'x') + "'", "Data too long for QR Code."},
+      {"--code-size 10x10 datamatrix 1234567", "[DataMatrix] Data too long for 10x10: 4 codewords, capacity 3"},
   };
   for (const auto& [arguments, message] : failures) {
     const RunResult run = RunCli(arguments + " -o /dev/null");
@@ -96,7 +97,8 @@ TEST(CliTest, HelpAndListDescribeTheTool) {
   const RunResult list = RunCli("--list");
   EXPECT_EQ(list.status, 0);
   EXPECT_NE(list.out.find("qr                yes"), std::string::npos) << list.out;
-  EXPECT_NE(list.out.find("datamatrix        no"), std::string::npos) << list.out;
+  EXPECT_NE(list.out.find("datamatrix        yes"), std::string::npos) << list.out;
+  EXPECT_NE(list.out.find("pdf417            no"), std::string::npos) << list.out;
 }
 
 }  // namespace

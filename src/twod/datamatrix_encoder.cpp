@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <deque>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -166,7 +167,10 @@ Mode ForcedMode(Encodation scheme) {
   }
 }
 
-constexpr int Base256HeaderCodewords(size_t length) { return length <= 249 ? 2 : 3; }  // latch + length
+constexpr size_t kBase256ShortLength = 249;  // the longest segment with a one-byte length field
+constexpr int Base256HeaderCodewords(size_t length) {
+  return length <= kBase256ShortLength ? 2 : 3;  // latch + length
+}
 
 // How a stream ends in a symbol of a given capacity.
 enum class Ending {
@@ -228,12 +232,13 @@ struct DataMatrixEncodation::Search {
       // The forced mode's latch opens the stream (from_pos -1: nothing before it).
       nodes[0][StateOf(forced, 0)] = {kUnit, -1, -1, Action::kLatch};
     }
+    Base256Starts starts;
     for (size_t pos = 0; pos <= n; ++pos) {
+      if (pos > 0) RelaxBase256Into(pos, starts);
       RelaxUnlatches(pos);
       RelaxLatches(pos);
       if (pos == n) break;
       RelaxAscii(pos);
-      RelaxBase256(pos);
       for (Mode mode : {kC40Mode, kTextMode, kX12Mode, kEdifactMode}) RelaxModeChar(pos, mode);
     }
   }
@@ -280,20 +285,49 @@ struct DataMatrixEncodation::Search {
     Relax(pos + 1, state, cost + (data[pos] >= 128 ? 2 : 1) * kUnit, pos, state, Action::kAsciiChar);
   }
 
-  // One Base 256 segment from `pos` to every later position, its length field included.
-  void RelaxBase256(size_t pos) {
-    if (Forced() && (scheme != Encodation::kBase256 || pos != 0)) return;
-    const int state = StateOf(kAsciiMode, 0);
-    const int cost = nodes[pos][state].cost;
-    if (cost >= kInfinity) return;
-    // No symbol holds a longer segment than the largest capacity.
-    const size_t first_end = scheme == Encodation::kBase256 ? size() : pos + 1;
-    const size_t last_end =
-        std::min(size(), pos + static_cast<size_t>(kDataMatrixSizes[kSquareSizeCount - 1].data_codewords));
-    for (size_t end = first_end; end <= std::max(first_end, last_end); ++end) {
-      const size_t length = end - pos;
+  // The best Base 256 segment ending at each position, in linear time. A segment from
+  // `start` to `end` costs cost(start) + (end - start + header) codewords, so for every
+  // header size only the start with the least cost(start) - start matters: a sliding
+  // window (monotone queue) over the starts within 249 bytes (one length byte), and the
+  // best of all older starts (two length bytes).
+  struct Base256Starts {
+    std::deque<size_t> near;
+    int far = -1;
+  };
+
+  int StartKey(size_t start) const {
+    return nodes[start][StateOf(kAsciiMode, 0)].cost - static_cast<int>(start) * kUnit;
+  }
+
+  void RelaxBase256Into(size_t end, Base256Starts& starts) {
+    const int ascii = StateOf(kAsciiMode, 0);
+    if (scheme == Encodation::kBase256) {
+      // Forced: the whole data is one segment.
+      if (end == size()) {
+        Relax(end, ascii, (Base256HeaderCodewords(end) + static_cast<int>(end)) * kUnit, 0, ascii, Action::kBase256);
+      }
+      return;
+    }
+    if (Forced()) return;
+    const size_t newest = end - 1;
+    if (nodes[newest][ascii].cost < kInfinity) {
+      while (!starts.near.empty() && StartKey(starts.near.back()) >= StartKey(newest)) starts.near.pop_back();
+      starts.near.push_back(newest);
+    }
+    // Starts more than 249 bytes back need the two-byte length field.
+    if (end > kBase256ShortLength) {
+      const size_t aged = end - kBase256ShortLength - 1;
+      if (nodes[aged][ascii].cost < kInfinity && (starts.far < 0 || StartKey(aged) < StartKey(starts.far))) {
+        starts.far = static_cast<int>(aged);
+      }
+      while (!starts.near.empty() && starts.near.front() <= aged) starts.near.pop_front();
+    }
+    for (const int start : {starts.near.empty() ? -1 : static_cast<int>(starts.near.front()), starts.far}) {
+      if (start < 0) continue;
+      const size_t length = end - static_cast<size_t>(start);
       const int segment = static_cast<int>(length) + Base256HeaderCodewords(length);
-      Relax(end, state, cost + segment * kUnit, pos, state, Action::kBase256);
+      Relax(end, ascii, nodes[start][ascii].cost + segment * kUnit, static_cast<size_t>(start), ascii,
+            Action::kBase256);
     }
   }
 
