@@ -7,10 +7,12 @@
 #include "api/ffi_internal.h"
 #include "twod/barcode_base_2d.h"
 #include "twod/datamatrix.h"
+#include "twod/pdf417.h"
 #include "twod/qr.h"
 
 using barcode_orv::BarcodeBase2D;
 using barcode_orv::DataMatrix;
+using barcode_orv::PDF417;
 using barcode_orv::QR;
 using barcode_orv::QRErrorCorrectionLevel;
 using barcode_orv::ffi::ObjectFor;
@@ -82,9 +84,7 @@ int SchemeFromText(const char* text) {
   return static_cast<int>(barcode_orv::internal::Encodation::kAuto);
 }
 
-// The PDF417 class is not part of this build, so barcode_create never returns its
-// handles; these setters only check the type.
-void ForPdf417(BarcodeHandle* handle) { (void)ObjectFor(handle, {BARCODE_PDF417}); }
+PDF417* Pdf417Object(BarcodeHandle* handle) { return dynamic_cast<PDF417*>(ObjectFor(handle, {BARCODE_PDF417})); }
 
 }  // namespace
 
@@ -122,15 +122,25 @@ void barcode_set_encode_scheme(BarcodeHandle* handle, const char* scheme) {
   if (object != nullptr && scheme != nullptr) object->SetEncodeScheme(SchemeFromText(scheme));
 }
 
-void barcode_set_error_level(BarcodeHandle* handle, int /*level*/) { ForPdf417(handle); }
+void barcode_set_error_level(BarcodeHandle* handle, int level) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetErrorLevel(static_cast<barcode_orv::PDF417ErrorLevel>(level));
+}
 
-void barcode_set_columns(BarcodeHandle* handle, int /*columns*/) { ForPdf417(handle); }
+void barcode_set_columns(BarcodeHandle* handle, int columns) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetColumns(columns);
+}
 
-void barcode_set_rows(BarcodeHandle* handle, int /*rows*/) { ForPdf417(handle); }
+void barcode_set_rows(BarcodeHandle* handle, int rows) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetRows(rows);
+}
 
-void barcode_set_aspect_ratio(BarcodeHandle* handle, double /*ratio*/) { ForPdf417(handle); }
+void barcode_set_aspect_ratio(BarcodeHandle* handle, double ratio) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetAspectRatio(ratio);
+}
 
-void barcode_set_y_height(BarcodeHandle* handle, int /*y_height*/) { ForPdf417(handle); }
+void barcode_set_y_height(BarcodeHandle* handle, int y_height) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetYHeight(y_height);
+}
 
 int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size) {
   BarcodeBase2D* object = TwoDObject(handle);
