@@ -17,6 +17,7 @@
 #include "twod/barcode_base_2d.h"
 #include "twod/datamatrix.h"
 #include "twod/datamatrix_encoder.h"
+#include "twod/pdf417.h"
 
 namespace barcode_orv {
 namespace {
@@ -86,6 +87,24 @@ std::function<void(BarcodeHandle*, int)> Dm(const char* size, const char* scheme
   return [size, scheme](BarcodeHandle* handle, int) { DataMatrixSettings(handle, size, scheme); };
 }
 
+std::function<void(BarcodeHandle*, int)> Pdf(int level, int columns, int rows) {
+  return [level, columns, rows](BarcodeHandle* handle, int) {
+    barcode_set_error_level(handle, level);
+    barcode_set_columns(handle, columns);
+    barcode_set_rows(handle, rows);
+  };
+}
+
+// The symbol's own shape: Data Matrix at 4 pixels a module, PDF417 at 2.
+std::pair<int, int> NaturalBox(BarcodeHandle* handle, const std::vector<uint8_t>& bytes) {
+  if (auto* data_matrix = dynamic_cast<DataMatrix*>(handle->object.get())) {
+    const ModuleGrid modules = data_matrix->Encode(bytes).modules;
+    return {4 * modules.cols(), 4 * modules.rows()};
+  }
+  const ModuleGrid modules = dynamic_cast<PDF417&>(*handle->object).Encode(bytes).modules;
+  return {2 * modules.cols(), 2 * modules.rows()};
+}
+
 const std::vector<Case>& Cases() {
   static const std::vector<std::string> kJapanese = {
       "\xE3\x83\x90", "\xE3\x83\xBC", "\xE3\x82\xB3", "\xE3\x83\x89", "\xE6\x97\xA5", "\xE6\x9C\xAC", "A", "1"};
@@ -116,6 +135,25 @@ const std::vector<Case>& Cases() {
        [](BarcodeHandle* handle, int index) {
          DataMatrixSettings(handle, internal::kDataMatrixSizes[index].name, "AUTO");
        }},
+      {"PDF417 digits", BARCODE_PDF417, From(kDigits, 300), 30, 0, "utf-8", Pdf(-1, 0, 0)},
+      {"PDF417 upper case", BARCODE_PDF417, From(kUpper, 200), 30, 0, "utf-8", Pdf(-1, 0, 0)},
+      {"PDF417 lower case", BARCODE_PDF417, From(kLower, 200), 30, 0, "utf-8", Pdf(-1, 0, 0)},
+      {"PDF417 punctuation", BARCODE_PDF417, From(kEdifact + "`{|}~\t\n", 200), 30, 0, "utf-8", Pdf(-1, 0, 0)},
+      {"PDF417 printable", BARCODE_PDF417, Printable, 30, 0, "utf-8", Pdf(-1, 0, 0)},
+      {"PDF417 UTF-8 text", BARCODE_PDF417, MixedCaseText, 30, 0, "utf-8", Pdf(-1, 0, 0)},
+      {"PDF417 Shift_JIS", BARCODE_PDF417, Utf8Words(kJapanese, 40), 20, 0, "shift-jis", Pdf(-1, 0, 0)},
+      {"PDF417 binary", BARCODE_PDF417, nullptr, 30, 0, "utf-8", Pdf(-1, 0, 0), true},
+      {"PDF417 every level", BARCODE_PDF417, MixedCaseText, 27, 0, "utf-8",
+       [](BarcodeHandle* handle, int index) { barcode_set_error_level(handle, index % 9); }},
+      {"PDF417 every column count", BARCODE_PDF417, From(kLower, 40), 30, 0, "utf-8",
+       [](BarcodeHandle* handle, int index) { barcode_set_columns(handle, index + 1); }},
+      {"PDF417 fixed rows", BARCODE_PDF417, From(kUpper, 60), 15, 0, "utf-8",
+       [](BarcodeHandle* handle, int index) { barcode_set_rows(handle, index == 14 ? 90 : 3 + 6 * index); }},
+      {"PDF417 aspect ratio and row height", BARCODE_PDF417, Printable, 20, 0, "utf-8",
+       [](BarcodeHandle* handle, int index) {
+         barcode_set_aspect_ratio(handle, 0.5 * (1 + index % 10));
+         barcode_set_y_height(handle, 3 + index % 4);
+       }},
   };
   return cases;
 }
@@ -144,22 +182,23 @@ TEST_P(RoundTrip, DecodesToTheSameBytes) {
     ASSERT_NE(handle, nullptr);
     barcode_set_string_encoding(handle.get(), row.encoding);
     row.settings(handle.get(), index);
-    int width = row.box;
-    int height = row.box;
-    if (row.box == 0) {
-      width = 4 * internal::kDataMatrixSizes[index].cols;
-      height = 4 * internal::kDataMatrixSizes[index].rows;
-    }
     std::string expected;
+    std::vector<uint8_t> bytes;
+    std::string text;
     if (row.binary) {
-      const std::vector<uint8_t> bytes = RandomBytes(rng);
-      auto* object = dynamic_cast<BarcodeBase2D*>(handle->object.get());
-      ASSERT_TRUE(object->Draw(bytes, 0, 0, width, height));
+      bytes = RandomBytes(rng);
       expected.assign(bytes.begin(), bytes.end());
     } else {
-      const std::string text = row.payload(rng, index);
-      ASSERT_EQ(barcode_draw_2d_rect(handle.get(), text.c_str(), width, height), 1) << text;
+      text = row.payload(rng, index);
       expected = ExpectedBytes(text, row.encoding);
+      bytes.assign(expected.begin(), expected.end());
+    }
+    const auto [width, height] = row.box == 0 ? NaturalBox(handle.get(), bytes) : std::pair{row.box, row.box};
+    if (row.binary) {
+      auto* object = dynamic_cast<BarcodeBase2D*>(handle->object.get());
+      ASSERT_TRUE(object->Draw(bytes, 0, 0, width, height));
+    } else {
+      ASSERT_EQ(barcode_draw_2d_rect(handle.get(), text.c_str(), width, height), 1) << text;
     }
     const testing::Decoded result = testing::DecodeHandle(handle.get(), row.format());
     EXPECT_TRUE(result.ok) << row.name << " #" << index;

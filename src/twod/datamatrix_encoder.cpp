@@ -855,6 +855,13 @@ ModuleGrid PlaceModules(const std::vector<uint8_t>& codewords, const DataMatrixS
 }
 
 DataMatrixSymbol EncodeDataMatrix(const std::vector<uint8_t>& data, int size_value, Encodation scheme) {
+  // No symbol holds more than two digits a codeword; data far beyond that is refused
+  // before the search, which needs memory in proportion to the data.
+  const size_t most = 2 * static_cast<size_t>(kDataMatrixSizes[kSquareSizeCount - 1].data_codewords);
+  if (data.size() > 4 * most) {
+    throw std::runtime_error("Data too long for Data Matrix: " + std::to_string(data.size()) + " bytes, at most " +
+                             std::to_string(most) + " digits fit");
+  }
   const bool known_scheme = static_cast<int>(scheme) >= -1 && static_cast<int>(scheme) <= 5;
   const DataMatrixEncodation encodation(data, known_scheme ? scheme : Encodation::kAuto);
   int size_index = -1;

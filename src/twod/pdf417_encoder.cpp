@@ -457,10 +457,12 @@ struct Shape {
   int rows;
 };
 
+std::string Count(int n, const char* noun) { return std::to_string(n) + " " + noun + (n == 1 ? "" : "s"); }
+
 std::string Describe(const Settings& s) {
   std::string text;
-  if (s.columns != 0) text += std::to_string(s.columns) + " columns";
-  if (s.rows != 0) text += (text.empty() ? "" : " x ") + std::to_string(s.rows) + " rows";
+  if (s.columns != 0) text += Count(s.columns, "column");
+  if (s.rows != 0) text += (text.empty() ? "" : " x ") + Count(s.rows, "row");
   return text.empty() ? "PDF417" : text;
 }
 
@@ -496,9 +498,9 @@ double ModuleArea(int columns, int rows) {
 }
 
 // The shape for `needed` codewords. With an aspect ratio, the width over height
-// nearest to it (in ratio, the smaller symbol on a tie). Without one, about three rows
-// a column (a symbol about twice as wide as tall), or one column more when that makes
-// the symbol smaller.
+// nearest to it (in ratio, the smaller symbol on a tie). Without one, fixed rows take the
+// fewest columns that hold the data; otherwise about three rows a column (a symbol about
+// twice as wide as tall), or one column more when that makes the symbol smaller.
 Shape ChooseShape(int needed, const Settings& s) {
   const bool steered = s.aspect_ratio > 0 && std::isfinite(s.aspect_ratio);
   const int usual = std::clamp(static_cast<int>(std::lround(std::sqrt(needed / 3.0))), 1, kMaxColumns);
@@ -512,6 +514,8 @@ Shape ChooseShape(int needed, const Settings& s) {
     double distance = 0;
     if (steered) {
       distance = std::fabs(std::log(AspectOf(columns, rows, s.row_height) / s.aspect_ratio));
+    } else if (s.rows != 0) {
+      distance = columns;  // rows fixed: as narrow as the data allows
     } else if (s.columns == 0 && (columns == usual || columns == usual + 1)) {
       distance = 0;  // the usual shape and its one-column-wider neighbour compete on area
     } else {
@@ -575,6 +579,13 @@ ModuleGrid Paint(const std::vector<int>& codewords, const Shape& shape, int leve
 
 Symbol EncodePdf417(const std::vector<uint8_t>& data, const Settings& settings) {
   CheckSettings(settings);
+  // No symbol holds more: at level 0, 924 codewords after the length descriptor and the
+  // numeric latch carry 61 groups of 44 digits (15 codewords each) and 26 digits more.
+  constexpr size_t kMaxBytes = 61 * 44 + 26;
+  if (data.size() > kMaxBytes) {
+    throw std::runtime_error("Data too long for PDF417: " + std::to_string(data.size()) + " bytes, at most " +
+                             std::to_string(kMaxBytes) + " digits fit");
+  }
   const std::vector<int> compacted = CompactData(data);
   const int data_codewords = 1 + static_cast<int>(compacted.size());
   const int level =
