@@ -101,8 +101,9 @@ std::pair<int, int> NaturalBox(BarcodeHandle* handle, const std::vector<uint8_t>
     const ModuleGrid modules = data_matrix->Encode(bytes).modules;
     return {4 * modules.cols(), 4 * modules.rows()};
   }
-  const ModuleGrid modules = dynamic_cast<PDF417&>(*handle->object).Encode(bytes).modules;
-  return {2 * modules.cols(), 2 * modules.rows()};
+  const auto& pdf417 = dynamic_cast<PDF417&>(*handle->object);
+  const ModuleGrid modules = pdf417.Encode(bytes).modules;
+  return {2 * modules.cols(), 2 * modules.rows() * pdf417.GetYHeight()};
 }
 
 const std::vector<Case>& Cases() {

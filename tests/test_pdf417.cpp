@@ -110,8 +110,8 @@ TEST(Pdf417Encoder, ShapeFollowsTheSettings) {
       settings.aspect_ratio = ratio;
       settings.row_height = row_height;
       const internal_pdf417::Symbol symbol = EncodePdf417(text, settings);
-      EXPECT_EQ(symbol.modules.rows(), symbol.rows * row_height);
-      const double chosen = std::fabs(std::log(double(symbol.modules.cols()) / symbol.modules.rows() / ratio));
+      const double chosen =
+          std::fabs(std::log(double(symbol.modules.cols()) / (symbol.modules.rows() * row_height) / ratio));
       for (const int neighbour : {symbol.columns - 1, symbol.columns + 1}) {
         if (neighbour < 1 || neighbour > 30) continue;
         const int rows = std::max(3, (78 + neighbour - 1) / neighbour);
@@ -171,12 +171,14 @@ TEST(Pdf417, SettersReachTheObjectAndRowsScaleToTheBox) {
   EXPECT_EQ(object.GetAspectRatio(), 2.5);
   EXPECT_EQ(object.GetYHeight(), 4);
   barcode_set_error_level(handle.get(), 2);
-  // 4 columns: 137 modules; 12 rows of 4 modules: 48. A 274 x 96 box gives 2 x 2 pixels.
+  // 4 columns: 137 modules; 12 rows of 4 modules: 48. A 274 x 96 box gives 2 x 2 pixels a
+  // module, and each bar is one rectangle: the start pattern's 8-module bar, the stop
+  // pattern's final 1-module bar.
   barcode_set_output_format(handle.get(), "svg");
   ASSERT_EQ(barcode_draw_2d_rect(handle.get(), "PDF417", 274, 96), 1);
   const std::string svg = barcode_get_svg(handle.get());
-  EXPECT_NE(svg.find("<rect x=\"0.00\" y=\"0.00\" width=\"2.00\" height=\"2.00\""), std::string::npos);
-  EXPECT_NE(svg.find("y=\"94.00\" width=\"2.00\" height=\"2.00\""), std::string::npos);
+  EXPECT_NE(svg.find("<rect x=\"0.00\" y=\"0.00\" width=\"16.00\" height=\"8.00\""), std::string::npos);
+  EXPECT_NE(svg.find("<rect x=\"272.00\" y=\"88.00\" width=\"2.00\" height=\"8.00\""), std::string::npos);
   EXPECT_FALSE(PDF417("svg").Draw(std::string(), 0, 0, 100, 100));
   EXPECT_TRUE(PDF417("png").Draw(std::string(), 0, 0, 100, 100));
 }

@@ -33,10 +33,16 @@ struct ModuleView {
   int cols = 0;
   int rows = 0;
   std::function<bool(int col, int row)> dark;
+  // Modules of height each row takes (PDF417 rows are several modules high).
+  int row_height = 1;
+  // Paint each run of dark modules in a row as one rectangle (a bar), with
+  // px_adjust_black added once to its width, instead of one rectangle a module.
+  bool merge_runs = false;
 
   static ModuleView Of(const ModuleGrid& grid) {
     return {grid.cols(), grid.rows(), [&grid](int col, int row) { return grid.dark(col, row); }};
   }
+  int module_rows() const { return rows * row_height; }
 };
 
 // How modules take the box: each axis on its own (QR, PDF417), or square modules of

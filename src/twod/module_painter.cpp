@@ -97,19 +97,25 @@ void BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
                                        ModuleAspect aspect) {
   FillRect(x, y, width, height, back_color);
   float module_width = RasterModuleSize(width, modules.cols, fit_width);
-  float module_height = RasterModuleSize(height, modules.rows, fit_width);
+  float module_height = RasterModuleSize(height, modules.module_rows(), fit_width);
   if (aspect == ModuleAspect::kSquare) module_width = module_height = std::min(module_width, module_height);
 
   const std::vector<int> col_edges = RoundedEdges(x, module_width, modules.cols);
-  const std::vector<int> row_edges = RoundedEdges(y, module_height, modules.rows);
+  const std::vector<int> unit_edges = RoundedEdges(y, module_height, modules.module_rows());
   for (int row = 0; row < modules.rows; ++row) {
-    const int painted_height = AdjustedExtent(row_edges[row], row_edges[row + 1], px_adjust_black);
+    const int top = unit_edges[static_cast<size_t>(row) * modules.row_height];
+    const int bottom = unit_edges[static_cast<size_t>(row + 1) * modules.row_height];
+    const int painted_height = AdjustedExtent(top, bottom, px_adjust_black);
     if (painted_height < 1) continue;
     for (int col = 0; col < modules.cols; ++col) {
       if (!modules.dark(col, row)) continue;
-      const int painted_width = AdjustedExtent(col_edges[col], col_edges[col + 1], px_adjust_black);
-      if (painted_width < 1) continue;
-      FillRect(col_edges[col], row_edges[row], painted_width, painted_height, fore_color);
+      int end = col + 1;
+      if (modules.merge_runs) {
+        while (end < modules.cols && modules.dark(end, row)) ++end;
+      }
+      const int painted_width = AdjustedExtent(col_edges[col], col_edges[end], px_adjust_black);
+      if (painted_width >= 1) FillRect(col_edges[col], top, painted_width, painted_height, fore_color);
+      col = end - 1;
     }
   }
 }
@@ -122,25 +128,30 @@ void BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int he
   SvgBegin(width, height);
   SvgRect(0.0f, 0.0f, static_cast<float>(width), static_cast<float>(height), back_color);
   std::vector<float> col_edges;
-  std::vector<float> row_edges;
+  std::vector<float> unit_edges;
   if (aspect == ModuleAspect::kSquare) {
     const float module_size = std::min(static_cast<float>(width) / static_cast<float>(modules.cols),
-                                       static_cast<float>(height) / static_cast<float>(modules.rows));
+                                       static_cast<float>(height) / static_cast<float>(modules.module_rows()));
     col_edges = SteppedEdges(module_size, modules.cols);
-    row_edges = SteppedEdges(module_size, modules.rows);
+    unit_edges = SteppedEdges(module_size, modules.module_rows());
   } else {
     col_edges = FractionEdges(width, modules.cols);
-    row_edges = FractionEdges(height, modules.rows);
+    unit_edges = FractionEdges(height, modules.module_rows());
   }
   const auto adjust = static_cast<float>(px_adjust_black);
   for (int row = 0; row < modules.rows; ++row) {
-    const float module_height = row_edges[row + 1] - row_edges[row];
+    const float top = unit_edges[static_cast<size_t>(row) * modules.row_height];
+    const float module_height = unit_edges[static_cast<size_t>(row + 1) * modules.row_height] - top;
     if (module_height <= 0.0f) continue;
     for (int col = 0; col < modules.cols; ++col) {
       if (!modules.dark(col, row)) continue;
-      const float module_width = col_edges[col + 1] - col_edges[col];
-      if (module_width <= 0.0f) continue;
-      SvgRect(col_edges[col], row_edges[row], module_width + adjust, module_height + adjust, fore_color);
+      int end = col + 1;
+      if (modules.merge_runs) {
+        while (end < modules.cols && modules.dark(end, row)) ++end;
+      }
+      const float module_width = col_edges[end] - col_edges[col];
+      if (module_width > 0.0f) SvgRect(col_edges[col], top, module_width + adjust, module_height + adjust, fore_color);
+      col = end - 1;
     }
   }
   SvgEnd();

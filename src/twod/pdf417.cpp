@@ -30,13 +30,25 @@ bool PDF417::EncodeReporting(const std::vector<uint8_t>& data, internal_pdf417::
   }
 }
 
+namespace {
+
+// One grid row a symbol row, row_height modules high; bars painted whole.
+ModuleView RowsOf(const internal_pdf417::Symbol& symbol, int row_height) {
+  ModuleView view = ModuleView::Of(symbol.modules);
+  view.row_height = row_height;
+  view.merge_runs = true;
+  return view;
+}
+
+}  // namespace
+
 bool PDF417::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int height) {
   if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
   internal_pdf417::Symbol symbol;
   if (!EncodeReporting(data, symbol)) return false;
   bool on_caller_canvas = false;
   if (!BeginRaster(x, y, width, height, on_caller_canvas)) return false;
-  PaintRasterModules(ModuleView::Of(symbol.modules), x, y, width, height, ModuleAspect::kStretch);
+  PaintRasterModules(RowsOf(symbol, settings_.row_height), x, y, width, height, ModuleAspect::kStretch);
   EndRaster(on_caller_canvas);
   return true;
 }
@@ -44,7 +56,7 @@ bool PDF417::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int
 bool PDF417::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int width, int height) {
   internal_pdf417::Symbol symbol;
   if (!EncodeReporting(data, symbol) || symbol.modules.empty()) return false;
-  PaintSvgModules(ModuleView::Of(symbol.modules), width, height, ModuleAspect::kStretch);
+  PaintSvgModules(RowsOf(symbol, settings_.row_height), width, height, ModuleAspect::kStretch);
   return true;
 }
 

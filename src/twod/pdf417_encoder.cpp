@@ -549,9 +549,9 @@ std::pair<int, int> RowIndicators(int row, const Shape& shape, int level) {
   }
 }
 
-ModuleGrid Paint(const std::vector<int>& codewords, const Shape& shape, int level, int row_height) {
+ModuleGrid Paint(const std::vector<int>& codewords, const Shape& shape, int level) {
   const int width = kCodewordModules * shape.columns + kRowOverheadModules;
-  ModuleGrid grid(width, shape.rows * row_height);
+  ModuleGrid grid(width, shape.rows);
   for (int row = 0; row < shape.rows; ++row) {
     const auto& patterns = kCodewordPatterns[static_cast<size_t>(row % 3)];
     std::vector<std::pair<uint32_t, int>> pieces;  // bit image, module count
@@ -568,7 +568,7 @@ ModuleGrid Paint(const std::vector<int>& codewords, const Shape& shape, int leve
     for (const auto& [image, modules] : pieces) {
       for (int bit = modules - 1; bit >= 0; --bit, ++x) {
         const bool dark = ((image >> bit) & 1U) != 0;
-        for (int line = 0; line < row_height; ++line) grid.set(x, row * row_height + line, dark);
+        grid.set(x, row, dark);
       }
     }
   }
@@ -609,7 +609,7 @@ Symbol EncodePdf417(const std::vector<uint8_t>& data, const Settings& settings) 
   codewords.resize(static_cast<size_t>(length_descriptor), kPadCodeword);
   const std::vector<int> ecc = ErrorCorrection(codewords, level);
   codewords.insert(codewords.end(), ecc.begin(), ecc.end());
-  symbol.modules = Paint(codewords, shape, level, settings.row_height);
+  symbol.modules = Paint(codewords, shape, level);
   return symbol;
 }
 

@@ -59,7 +59,7 @@ struct Symbol {
   int rows = 0;
   int level = 0;
   std::vector<int> codewords;  // length descriptor, data, pads, error correction
-  ModuleGrid modules;          // each row repeated row_height times
+  ModuleGrid modules;          // one grid row a symbol row (the painter makes it row_height high)
 };
 
 // Throws std::runtime_error with a message for the user when the data or the settings
