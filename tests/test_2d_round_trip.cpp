@@ -125,7 +125,8 @@ const std::vector<Case>& Cases() {
       {"DataMatrix forced X12", BARCODE_DATAMATRIX, From(kX12, 80), 15, 300, "utf-8", Dm("AUTO", "X12")},
       {"DataMatrix forced EDIFACT", BARCODE_DATAMATRIX, From(kEdifact, 80), 15, 300, "utf-8", Dm("AUTO", "EDIFACT")},
       {"DataMatrix forced Base 256", BARCODE_DATAMATRIX, nullptr, 15, 300, "utf-8", Dm("AUTO", "BASE256"), true},
-      // Every size filled with its largest digit string (two digits a codeword).
+      // Every size filled with its largest digit string (two digits a codeword); 144 x 144
+      // reads only with its error-correction blocks interleaved in the rotated order.
       {"DataMatrix every size full", BARCODE_DATAMATRIX,
        [](std::mt19937& rng, int index) {
          std::string digits(2 * static_cast<size_t>(internal::kDataMatrixSizes[index].data_codewords), '0');
