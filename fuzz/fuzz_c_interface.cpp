@@ -37,7 +37,11 @@ std::string Text(FuzzedDataProvider& in) {
       "STACKED",   "STACKED_OMNIDIRECTIONAL",
       "UNSTACKED", "24x24",
       "C40",       "",
-      "12345",
+      "12345",     "10x10",
+      "144x144",   "8x18",
+      "16x48",     "ASCII",
+      "TEXT",      "X12",
+      "EDIFACT",   "BASE256",
   };
   // Shapes of the EAN/UPC, GS1-128, convenience-store and Japan Post inputs, to mutate.
   static const char* const kShapes[] = {

@@ -136,19 +136,23 @@ BARCODE_API void barcode_set_error_correction_level(BarcodeHandle* handle, const
 /* QR mode "NUMERIC"/"N" or "BYTE"/"AUTO"/"B" (default); "ALPHANUMERIC"/"A" and
  * "KANJI"/"K" are carried in byte mode. */
 BARCODE_API void barcode_set_encode_mode(BarcodeHandle* handle, const char* mode);
-/* Data Matrix size "10x10" .. "144x144", "8x18" .. "16x48", or "AUTO" (default). */
+/* Data Matrix size "10x10" .. "144x144", "8x18" .. "16x48", or "AUTO" (default: the
+ * smallest square size that holds the data). A fixed size too small makes draws fail. */
 BARCODE_API void barcode_set_code_size(BarcodeHandle* handle, const char* size);
-/* Data Matrix scheme "ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256" or "AUTO". */
+/* Data Matrix scheme "ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256", or "AUTO"
+ * (default: the shortest codeword stream over all schemes). */
 BARCODE_API void barcode_set_encode_scheme(BarcodeHandle* handle, const char* scheme);
-/* PDF417 error-correction level. */
+/* PDF417 error-correction level 0..8; any other value (default) the level recommended
+ * for the data length. */
 BARCODE_API void barcode_set_error_level(BarcodeHandle* handle, int level);
-/* PDF417 data columns. */
+/* PDF417 data columns 1..30, 0 (default) automatic; other values make draws fail. */
 BARCODE_API void barcode_set_columns(BarcodeHandle* handle, int columns);
-/* PDF417 rows. */
+/* PDF417 rows 3..90, 0 (default) automatic; other values make draws fail. */
 BARCODE_API void barcode_set_rows(BarcodeHandle* handle, int rows);
-/* PDF417 aspect ratio. */
+/* PDF417 symbol width over height the automatic shape aims at; 0 (default) or less:
+ * about three rows a column. */
 BARCODE_API void barcode_set_aspect_ratio(BarcodeHandle* handle, double ratio);
-/* PDF417 row height in modules. */
+/* PDF417 row height in modules, 3 (default) to 50; other values make draws fail. */
 BARCODE_API void barcode_set_y_height(BarcodeHandle* handle, int y_height);
 
 /* ---- Drawing: each returns 1 on success, 0 on failure or an unsuitable handle ---- */

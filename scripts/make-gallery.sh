@@ -39,6 +39,15 @@ samples=(
   "qr-version-10|qr|fixed version ten|--width 400 --height 400 --version 10 --fg 20,40,120"
   "qr-fit-width|qr|fit-width: modules spread over the box|--width 250 --height 250 --fit-width"
   "qr-rect-thin|qr|rectangular box, thinned modules|--width 320 --height 200 --px-adjust-black -1 --bg 255,250,230"
+  "datamatrix-auto|datamatrix|Data Matrix ECC 200 from libbarcode_orv|--width 240 --height 240"
+  "datamatrix-c40|datamatrix|LOT 4711-0815 EXP 2026-11|--width 240 --height 240 --encode-scheme C40"
+  "datamatrix-rectangular|datamatrix|RECT 16x48 SYMBOL 2026|--width 480 --height 160 --code-size 16x48"
+  "datamatrix-shift-jis|datamatrix|データマトリックス 二次元コード|--width 240 --height 240 --string-encoding shift-jis"
+  "pdf417-auto|pdf417|PDF417 from libbarcode_orv: text, 0123456789012345 digits and more text.|--width 420 --height 160"
+  "pdf417-columns|pdf417|Fixed four columns at error level 5|--width 300 --height 300 --columns 4 --error-level 5"
+  "pdf417-aspect|pdf417|Aspect ratio 1:1 with rows 5 modules high|--width 300 --height 300 --aspect-ratio 1 --y-height 5"
+  "pdf417-shift-jis|pdf417|二次元コード PDF417 の見本|--width 420 --height 160 --string-encoding shift-jis --fg 120,20,40"
+  "datamatrix-144|datamatrix|$(printf '0123456789%.0s' $(seq 1 300))|--width 432 --height 432 --code-size 144x144 --fg 20,40,120"
 )
 
 html="$out/index.html"

@@ -1,13 +1,18 @@
 // The C interface of the two-dimensional symbologies: string encoding, the QR settings,
 // the Data Matrix and PDF417 settings, and the 2D draw entry points.
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "api/ffi_internal.h"
 #include "twod/barcode_base_2d.h"
+#include "twod/datamatrix.h"
+#include "twod/pdf417.h"
 #include "twod/qr.h"
 
 using barcode_orv::BarcodeBase2D;
+using barcode_orv::DataMatrix;
+using barcode_orv::PDF417;
 using barcode_orv::QR;
 using barcode_orv::QRErrorCorrectionLevel;
 using barcode_orv::ffi::GuardDraw;
@@ -48,11 +53,27 @@ void GuardSetter(Body&& body) noexcept {
   }
 }
 
-// The Data Matrix and PDF417 classes are not part of this build, so barcode_create never
-// returns their handles; these setters only check the type, and the classes will consume
-// the values once they exist.
-void ForDataMatrix(BarcodeHandle* handle) { (void)ObjectFor(handle, {BARCODE_DATAMATRIX}); }
-void ForPdf417(BarcodeHandle* handle) { (void)ObjectFor(handle, {BARCODE_PDF417}); }
+DataMatrix* DataMatrixObject(BarcodeHandle* handle) {
+  return dynamic_cast<DataMatrix*>(ObjectFor(handle, {BARCODE_DATAMATRIX}));
+}
+
+// "AUTO" and every unknown text mean the automatic size.
+int CodeSizeFromText(const char* text) {
+  for (int i = 0; i < barcode_orv::internal::kDataMatrixSizeCount; ++i) {
+    if (Is(text, barcode_orv::internal::kDataMatrixSizes[i].name)) return i;
+  }
+  return barcode_orv::internal::kAutoSize;
+}
+
+int SchemeFromText(const char* text) {
+  static constexpr const char* kSchemes[] = {"ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256"};
+  for (int i = 0; i < static_cast<int>(std::size(kSchemes)); ++i) {
+    if (Is(text, kSchemes[i])) return i;
+  }
+  return static_cast<int>(barcode_orv::internal::Encodation::kAuto);
+}
+
+PDF417* Pdf417Object(BarcodeHandle* handle) { return dynamic_cast<PDF417*>(ObjectFor(handle, {BARCODE_PDF417})); }
 
 }  // namespace
 
@@ -81,22 +102,34 @@ void barcode_set_encode_mode(BarcodeHandle* handle, const char* mode) {
 }
 
 void barcode_set_code_size(BarcodeHandle* handle, const char* size) {
-  if (size != nullptr) ForDataMatrix(handle);
+  DataMatrix* object = DataMatrixObject(handle);
+  if (object != nullptr && size != nullptr) object->SetCodeSize(CodeSizeFromText(size));
 }
 
 void barcode_set_encode_scheme(BarcodeHandle* handle, const char* scheme) {
-  if (scheme != nullptr) ForDataMatrix(handle);
+  DataMatrix* object = DataMatrixObject(handle);
+  if (object != nullptr && scheme != nullptr) object->SetEncodeScheme(SchemeFromText(scheme));
 }
 
-void barcode_set_error_level(BarcodeHandle* handle, int /*level*/) { ForPdf417(handle); }
+void barcode_set_error_level(BarcodeHandle* handle, int level) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetErrorLevel(static_cast<barcode_orv::PDF417ErrorLevel>(level));
+}
 
-void barcode_set_columns(BarcodeHandle* handle, int /*columns*/) { ForPdf417(handle); }
+void barcode_set_columns(BarcodeHandle* handle, int columns) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetColumns(columns);
+}
 
-void barcode_set_rows(BarcodeHandle* handle, int /*rows*/) { ForPdf417(handle); }
+void barcode_set_rows(BarcodeHandle* handle, int rows) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetRows(rows);
+}
 
-void barcode_set_aspect_ratio(BarcodeHandle* handle, double /*ratio*/) { ForPdf417(handle); }
+void barcode_set_aspect_ratio(BarcodeHandle* handle, double ratio) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetAspectRatio(ratio);
+}
 
-void barcode_set_y_height(BarcodeHandle* handle, int /*y_height*/) { ForPdf417(handle); }
+void barcode_set_y_height(BarcodeHandle* handle, int y_height) {
+  if (PDF417* object = Pdf417Object(handle)) object->SetYHeight(y_height);
+}
 
 int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size) {
   BarcodeBase2D* object = TwoDObject(handle);

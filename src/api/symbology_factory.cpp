@@ -12,6 +12,8 @@
 #include "linear/nec2of5.h"
 #include "linear/nw7.h"
 #include "linear/yubin_customer.h"
+#include "twod/datamatrix.h"
+#include "twod/pdf417.h"
 #include "twod/qr.h"
 
 namespace barcode_orv::ffi {
@@ -33,6 +35,8 @@ std::unique_ptr<BarcodeBase> MakeSymbology(int type) {
     case BARCODE_ITF: return std::make_unique<ITF>(format);
     case BARCODE_YUBIN_CUSTOMER: return std::make_unique<YubinCustomer>(format);
     case BARCODE_QR: return std::make_unique<QR>(format);
+    case BARCODE_DATAMATRIX: return std::make_unique<DataMatrix>(format);
+    case BARCODE_PDF417: return std::make_unique<PDF417>(format);
     default: return nullptr;  // not provided by this build
   }
 }

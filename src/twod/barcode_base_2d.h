@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/barcode_base.h"
+#include "twod/module_grid.h"
 
 namespace barcode_orv {
 
@@ -42,7 +43,26 @@ class BarcodeBase2D : public BarcodeBase {
   static std::vector<uint8_t> convertUTF8(const std::string& text);
   static std::vector<uint8_t> convertShiftJIS(const std::string& text);
 
+ protected:
+  // Shared painting of a module matrix, raster and SVG: no quiet zone, the symbol at
+  // the box's top-left, whole-pixel modules unless fit_width, px_adjust_black on dark
+  // modules, exact fractional edges in SVG.
+
+  // Chooses the raster target: the caller's renderer at the box as given, or a fresh
+  // canvas of the box's size, whose box then becomes the whole canvas. False after
+  // reporting why no target exists.
+  bool BeginRaster(int& x, int& y, int& width, int& height, bool& on_caller_canvas);
+  // Fills the box with the background and paints the dark modules.
+  void PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height, ModuleAspect aspect);
+  // Presents a caller's renderer; a canvas of our own is kept for the getters.
+  void EndRaster(bool on_caller_canvas);
+  // One SVG document of width x height with a background and one rectangle a dark module.
+  void PaintSvgModules(const ModuleView& modules, int width, int height, ModuleAspect aspect);
+
  private:
+  // The canvas renderer after preparing a fresh surface, or null after reporting why.
+  SDL_Renderer* PrepareCanvas(int x, int y, int width, int height);
+
   std::string string_encoding_ = "utf-8";
 };
 

@@ -46,9 +46,6 @@ class QR : public BarcodeBase2D {
   qr_internal::ModuleMatrix Encode(const std::vector<uint8_t>& data) const;
 
  private:
-  // The canvas renderer after preparing a fresh surface, or null after reporting why.
-  SDL_Renderer* PrepareCanvas(int x, int y, int width, int height);
-
   QRErrorCorrectionLevel level_ = QRErrorCorrectionLevel::M;
   int version_ = 0;
   std::string encode_mode_ = "B";

@@ -1,0 +1,47 @@
+#include "twod/datamatrix.h"
+
+#include <exception>
+#include <utility>
+
+#include "core/log.h"
+
+namespace barcode_orv {
+
+DataMatrix::DataMatrix(std::string output_format) : BarcodeBase2D(std::move(output_format)) {}
+
+DataMatrix::DataMatrix(SDL_Renderer* canvas) : BarcodeBase2D(canvas) {}
+
+internal::DataMatrixSymbol DataMatrix::Encode(const std::vector<uint8_t>& data) const {
+  if (data.empty()) return {};
+  return internal::EncodeDataMatrix(data, code_size_, static_cast<internal::Encodation>(encode_scheme_));
+}
+
+bool DataMatrix::EncodeReporting(const std::vector<uint8_t>& data, internal::DataMatrixSymbol& symbol) const {
+  try {
+    symbol = Encode(data);
+    return true;
+  } catch (const std::exception& error) {
+    log::Error(std::string("[DataMatrix] ") + error.what());
+    return false;
+  }
+}
+
+bool DataMatrix::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int height) {
+  if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
+  internal::DataMatrixSymbol symbol;
+  if (!EncodeReporting(data, symbol)) return false;
+  bool on_caller_canvas = false;
+  if (!BeginRaster(x, y, width, height, on_caller_canvas)) return false;
+  PaintRasterModules(ModuleView::Of(symbol.modules), x, y, width, height, ModuleAspect::kSquare);
+  EndRaster(on_caller_canvas);
+  return true;
+}
+
+bool DataMatrix::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int width, int height) {
+  internal::DataMatrixSymbol symbol;
+  if (!EncodeReporting(data, symbol) || symbol.modules.empty()) return false;
+  PaintSvgModules(ModuleView::Of(symbol.modules), width, height, ModuleAspect::kSquare);
+  return true;
+}
+
+}  // namespace barcode_orv

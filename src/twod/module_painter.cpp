@@ -1,0 +1,160 @@
+// The module-matrix painting shared by the two-dimensional symbologies.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/log.h"
+#include "twod/barcode_base_2d.h"
+
+namespace barcode_orv {
+namespace {
+
+// Module size along one axis of the raster box: whole pixels unless fit_width asks for
+// the exact fraction that fills the box.
+float RasterModuleSize(int extent, int modules, bool fit) {
+  if (modules < 1) return 1.0f;
+  if (fit) return static_cast<float>(extent) / static_cast<float>(modules);
+  return static_cast<float>(std::max(extent / modules, 1));
+}
+
+// Pixel edges 0..modules of one axis, each rounded to the nearest pixel independently,
+// so fractional modules come out one pixel wider or narrower without drifting.
+std::vector<int> RoundedEdges(int origin, float module_size, int modules) {
+  std::vector<int> edges(static_cast<size_t>(modules) + 1);
+  for (int i = 0; i <= modules; ++i) {
+    edges[i] = origin + static_cast<int>(std::lround(module_size * static_cast<float>(i)));
+  }
+  return edges;
+}
+
+// Width of a module between two edges after the dark-module adjustment, computed wide
+// so that any adjustment a caller passes stays well defined.
+int AdjustedExtent(int from, int to, int adjust) {
+  const int64_t extent = int64_t{to} - from + adjust;
+  return static_cast<int>(std::clamp<int64_t>(extent, INT32_MIN, INT32_MAX));
+}
+
+// Exact SVG edges: the box divided evenly, or `module_size` steps for square modules.
+std::vector<float> FractionEdges(int extent, int modules) {
+  std::vector<float> edges(static_cast<size_t>(modules) + 1);
+  for (int i = 0; i <= modules; ++i) {
+    edges[i] = static_cast<float>(extent) * static_cast<float>(i) / static_cast<float>(modules);
+  }
+  return edges;
+}
+
+std::vector<float> SteppedEdges(float module_size, int modules) {
+  std::vector<float> edges(static_cast<size_t>(modules) + 1);
+  for (int i = 0; i <= modules; ++i) edges[i] = module_size * static_cast<float>(i);
+  return edges;
+}
+
+}  // namespace
+
+SDL_Renderer* BarcodeBase2D::PrepareCanvas(int x, int y, int width, int height) {
+  if (GetOutputFormat().empty()) {
+    log::Progress("エラー: 描画コンテキストが指定されていません (m_canvas も m_format も無効)。");
+    return nullptr;
+  }
+  // The root class prepares the canvas; the 2D text overload must not run here.
+  if (!BarcodeBase::Draw("dummy", x, y, width, height)) {  // NOLINT(bugprone-parent-virtual-call)
+    log::Progress("エラー: BarcodeBase::Draw が false を返しました (サーフェス準備失敗の可能性)。");
+    return nullptr;
+  }
+  if (canvas_surface() == nullptr) {
+    log::Progress("エラー: BarcodeBase::Draw の後で有効な描画サーフェス (m_surface) がありません。");
+    return nullptr;
+  }
+  if (canvas_renderer() == nullptr) {
+    log::Progress(std::string("エラー: サーフェス用ソフトウェアレンダラーの作成に失敗しました: ") + SDL_GetError());
+    return nullptr;
+  }
+  return canvas_renderer();
+}
+
+bool BarcodeBase2D::BeginRaster(int& x, int& y, int& width, int& height, bool& on_caller_canvas) {
+  // A caller's renderer takes the symbol at the box as given.
+  on_caller_canvas = external_canvas() != nullptr && !IsRasterOutput();
+  if (on_caller_canvas) {
+    log::Progress("描画先: 呼び出し元のレンダラー");
+    return true;
+  }
+  if (PrepareCanvas(x, y, width, height) == nullptr) return false;
+  // The canvas is exactly the requested size, so the box becomes the whole canvas.
+  const SDL_Surface* surface = canvas_surface();
+  x = 0;
+  y = 0;
+  width = surface->w;
+  height = surface->h;
+  log::Progress("描画先: BarcodeBase が用意したサーフェス");
+  log::Progress("サーフェスサイズ: " + std::to_string(width) + "x" + std::to_string(height));
+  return true;
+}
+
+void BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height,
+                                       ModuleAspect aspect) {
+  FillRect(x, y, width, height, back_color);
+  float module_width = RasterModuleSize(width, modules.cols, fit_width);
+  float module_height = RasterModuleSize(height, modules.module_rows(), fit_width);
+  if (aspect == ModuleAspect::kSquare) module_width = module_height = std::min(module_width, module_height);
+
+  const std::vector<int> col_edges = RoundedEdges(x, module_width, modules.cols);
+  const std::vector<int> unit_edges = RoundedEdges(y, module_height, modules.module_rows());
+  for (int row = 0; row < modules.rows; ++row) {
+    const int top = unit_edges[static_cast<size_t>(row) * modules.row_height];
+    const int bottom = unit_edges[static_cast<size_t>(row + 1) * modules.row_height];
+    const int painted_height = AdjustedExtent(top, bottom, px_adjust_black);
+    if (painted_height < 1) continue;
+    for (int col = 0; col < modules.cols; ++col) {
+      if (!modules.dark(col, row)) continue;
+      int end = col + 1;
+      if (modules.merge_runs) {
+        while (end < modules.cols && modules.dark(end, row)) ++end;
+      }
+      const int painted_width = AdjustedExtent(col_edges[col], col_edges[end], px_adjust_black);
+      if (painted_width >= 1) FillRect(col_edges[col], top, painted_width, painted_height, fore_color);
+      col = end - 1;
+    }
+  }
+}
+
+void BarcodeBase2D::EndRaster(bool on_caller_canvas) {
+  if (on_caller_canvas) SDL_RenderPresent(canvas_renderer());
+}
+
+void BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int height, ModuleAspect aspect) {
+  SvgBegin(width, height);
+  SvgRect(0.0f, 0.0f, static_cast<float>(width), static_cast<float>(height), back_color);
+  std::vector<float> col_edges;
+  std::vector<float> unit_edges;
+  if (aspect == ModuleAspect::kSquare) {
+    const float module_size = std::min(static_cast<float>(width) / static_cast<float>(modules.cols),
+                                       static_cast<float>(height) / static_cast<float>(modules.module_rows()));
+    col_edges = SteppedEdges(module_size, modules.cols);
+    unit_edges = SteppedEdges(module_size, modules.module_rows());
+  } else {
+    col_edges = FractionEdges(width, modules.cols);
+    unit_edges = FractionEdges(height, modules.module_rows());
+  }
+  const auto adjust = static_cast<float>(px_adjust_black);
+  for (int row = 0; row < modules.rows; ++row) {
+    const float top = unit_edges[static_cast<size_t>(row) * modules.row_height];
+    const float module_height = unit_edges[static_cast<size_t>(row + 1) * modules.row_height] - top;
+    if (module_height <= 0.0f) continue;
+    for (int col = 0; col < modules.cols; ++col) {
+      if (!modules.dark(col, row)) continue;
+      int end = col + 1;
+      if (modules.merge_runs) {
+        while (end < modules.cols && modules.dark(end, row)) ++end;
+      }
+      const float module_width = col_edges[end] - col_edges[col];
+      if (module_width > 0.0f) SvgRect(col_edges[col], top, module_width + adjust, module_height + adjust, fore_color);
+      col = end - 1;
+    }
+  }
+  SvgEnd();
+}
+
+}  // namespace barcode_orv

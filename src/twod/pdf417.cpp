@@ -1,0 +1,63 @@
+#include "twod/pdf417.h"
+
+#include <exception>
+#include <utility>
+
+#include "core/log.h"
+
+namespace barcode_orv {
+
+PDF417::PDF417(std::string output_format) : BarcodeBase2D(std::move(output_format)) {}
+
+PDF417::PDF417(SDL_Renderer* canvas) : BarcodeBase2D(canvas) {}
+
+internal_pdf417::Symbol PDF417::Encode(const std::vector<uint8_t>& data) const {
+  if (data.empty()) return {};
+  return internal_pdf417::EncodePdf417(data, settings_);
+}
+
+internal_pdf417::Symbol PDF417::CalPDF417(const std::string& text) const {
+  return Encode(ConvertStringToBytes(text, GetStringEncoding()));
+}
+
+bool PDF417::EncodeReporting(const std::vector<uint8_t>& data, internal_pdf417::Symbol& symbol) const {
+  try {
+    symbol = Encode(data);
+    return true;
+  } catch (const std::exception& error) {
+    log::Error(std::string("[PDF417] ") + error.what());
+    return false;
+  }
+}
+
+namespace {
+
+// One grid row a symbol row, row_height modules high; bars painted whole.
+ModuleView RowsOf(const internal_pdf417::Symbol& symbol, int row_height) {
+  ModuleView view = ModuleView::Of(symbol.modules);
+  view.row_height = row_height;
+  view.merge_runs = true;
+  return view;
+}
+
+}  // namespace
+
+bool PDF417::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int height) {
+  if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
+  internal_pdf417::Symbol symbol;
+  if (!EncodeReporting(data, symbol)) return false;
+  bool on_caller_canvas = false;
+  if (!BeginRaster(x, y, width, height, on_caller_canvas)) return false;
+  PaintRasterModules(RowsOf(symbol, settings_.row_height), x, y, width, height, ModuleAspect::kStretch);
+  EndRaster(on_caller_canvas);
+  return true;
+}
+
+bool PDF417::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int width, int height) {
+  internal_pdf417::Symbol symbol;
+  if (!EncodeReporting(data, symbol) || symbol.modules.empty()) return false;
+  PaintSvgModules(RowsOf(symbol, settings_.row_height), width, height, ModuleAspect::kStretch);
+  return true;
+}
+
+}  // namespace barcode_orv

@@ -1,0 +1,187 @@
+// PDF417: compaction worked out by hand and the standard's own examples, the published
+// Reed-Solomon coefficients, shapes under columns, rows, aspect ratio and row height,
+// the error messages, and the C setters. Decoding round trips live in
+// test_2d_round_trip.cpp.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "api/ffi_internal.h"
+#include "barcode_ffi.h"
+#include "support/c_api.h"
+#include "twod/pdf417.h"
+#include "twod/pdf417_encoder.h"
+
+namespace barcode_orv {
+namespace {
+
+using internal_pdf417::CompactData;
+using internal_pdf417::EncodePdf417;
+using internal_pdf417::Settings;
+
+std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
+
+TEST(Pdf417Compaction, HandDerivedAndPublishedStreams) {
+  struct Row {
+    const char* what;
+    std::string text;
+    std::vector<int> expected;
+  };
+  const Row rows[] = {
+      // H E L L O = 7 4 11 11 14, two values a codeword (30 h + l), PS completes.
+      {"text, Alpha", "HELLO", {214, 341, 449}},
+      {"text, latch to Lower", "abc", {810, 32}},
+      // The standard's numeric example: "1" + 15 digits in base 900.
+      {"numeric", "000213298174000", {902, 1, 624, 434, 632, 282, 200}},
+      // 0x808182FDFEFF as a 48-bit number in base 900.
+      {"byte, six at a time", "\x80\x81\x82\xFD\xFE\xFF", {924, 215, 318, 512, 111, 579}},
+      {"byte, one left over", "\x80\x81\x82\xFD\xFE\xFF\x41", {901, 215, 318, 512, 111, 579, 65}},
+      {"byte shift inside text",
+       "AB\xE9"
+       "CD",
+       {1, 913, 233, 63}},
+      {"text, punctuation shift", "A@", {29, 119}},  // A PS @ PS
+  };
+  for (const Row& row : rows) EXPECT_EQ(CompactData(Bytes(row.text)), row.expected) << row.what;
+}
+
+// The segmentation never costs more than one compaction for the whole data.
+TEST(Pdf417Compaction, SwitchesOnlyWhereTheyPay) {
+  struct Row {
+    std::string text;
+    size_t codewords;
+  };
+  const Row rows[] = {
+      {"ABC1234567890123DEF", 2 + 6 + 1 + 2},  // text, 902 + 13 digits in 5, 900, text
+      {"ABC123DEF", 6},                        // three digits stay in Mixed: ML 1 2 3 AL
+      {std::string(44, '9'), 1 + 15},          // one full numeric group
+      {std::string(45, '9'), 1 + 15 + 1},
+      {"\x01\x02\x03\x04\x05\x06"
+       "ABCDEF",
+       1 + 5 + 1 + 3},  // 924 group, 900, text
+  };
+  for (const Row& row : rows) EXPECT_EQ(CompactData(Bytes(row.text)).size(), row.codewords) << row.text;
+}
+
+TEST(Pdf417Encoder, PublishedReedSolomonCoefficients) {
+  EXPECT_EQ(internal_pdf417::GeneratorCoefficients(0), (std::vector<int>{27, 917}));
+  EXPECT_EQ(internal_pdf417::GeneratorCoefficients(1), (std::vector<int>{522, 568, 723, 809}));
+  EXPECT_EQ(internal_pdf417::GeneratorCoefficients(2), (std::vector<int>{237, 308, 436, 284, 646, 653, 428, 379}));
+}
+
+TEST(Pdf417Encoder, LevelsAndCapacity) {
+  const std::vector<uint8_t> hello = Bytes("HELLO");
+  for (int level = 0; level <= 8; ++level) {
+    Settings settings;
+    settings.level = level;
+    const internal_pdf417::Symbol symbol = EncodePdf417(hello, settings);
+    EXPECT_EQ(symbol.level, level);
+    // Length descriptor, 3 data codewords, pads, then 2^(level+1) error correction.
+    EXPECT_EQ(symbol.codewords.front(), symbol.columns * symbol.rows - (2 << level));
+    EXPECT_EQ(symbol.codewords.size(), static_cast<size_t>(symbol.columns * symbol.rows));
+  }
+  // Recommended levels by data length, and the automatic one lowered to fit.
+  const std::pair<int, int> recommended[] = {{1, 2}, {40, 2}, {41, 3}, {160, 3}, {161, 4}, {321, 5}, {900, 3}};
+  for (const auto& [data, level] : recommended) EXPECT_EQ(internal_pdf417::RecommendedLevel(data), level) << data;
+  Settings level0;
+  level0.level = 0;
+  EXPECT_EQ(EncodePdf417(std::vector<uint8_t>(2710, '7'), level0).columns * 58, 928);
+}
+
+TEST(Pdf417Encoder, ShapeFollowsTheSettings) {
+  const std::vector<uint8_t> text = Bytes(std::string(120, 'x'));  // 62 data codewords, level 3: 78 in all
+  for (int columns = 1; columns <= 30; ++columns) {
+    Settings settings;
+    settings.columns = columns;
+    const internal_pdf417::Symbol symbol = EncodePdf417(text, settings);
+    EXPECT_EQ(symbol.columns, columns);
+    EXPECT_EQ(symbol.rows, std::max(3, (78 + columns - 1) / columns));
+    EXPECT_EQ(symbol.modules.cols(), 17 * columns + 69);
+  }
+  Settings fixed_rows;
+  fixed_rows.rows = 90;
+  EXPECT_EQ(EncodePdf417(text, fixed_rows).columns, 1);
+  // The aspect ratio picks the nearest proportions; the row height counts in them.
+  for (const double ratio : {0.5, 1.0, 2.0, 4.0, 8.0}) {
+    for (const int row_height : {3, 6}) {
+      Settings settings;
+      settings.aspect_ratio = ratio;
+      settings.row_height = row_height;
+      const internal_pdf417::Symbol symbol = EncodePdf417(text, settings);
+      const double chosen =
+          std::fabs(std::log(double(symbol.modules.cols()) / (symbol.modules.rows() * row_height) / ratio));
+      for (const int neighbour : {symbol.columns - 1, symbol.columns + 1}) {
+        if (neighbour < 1 || neighbour > 30) continue;
+        const int rows = std::max(3, (78 + neighbour - 1) / neighbour);
+        if (rows > 90) continue;
+        EXPECT_LE(chosen, std::fabs(std::log((17.0 * neighbour + 69) / (rows * row_height) / ratio)) + 1e-9)
+            << ratio << " " << row_height;
+      }
+    }
+  }
+}
+
+TEST(Pdf417, FailuresReportOnStandardErrorAndReturnFalse) {
+  struct Row {
+    int level;
+    int columns;
+    int rows;
+    int row_height;
+    std::string text;
+    std::string message;
+  };
+  const Row rows[] = {
+      {-1, 0, 0, 3, std::string(2711, '1'), "[PDF417] Data too long for PDF417: 2711 bytes, at most 2710 digits fit"},
+      {8, 0, 0, 3, std::string(900, 'a'), "[PDF417] Data too long for PDF417: 964 codewords at level 8, capacity 928"},
+      {-1, 1, 0, 3, std::string(200, 'a'), "[PDF417] Data too long for 1 column: 118 codewords"},
+      {-1, 2, 3, 3, std::string(20, 'a'), "[PDF417] Data too long for 2 columns x 3 rows: 20 codewords"},
+      {-1, 31, 0, 3, "A", "[PDF417] Columns must be 1 to 30, or 0 for automatic: 31"},
+      {-1, 0, 91, 3, "A", "[PDF417] Rows must be 3 to 90, or 0 for automatic: 91"},
+      {-1, 0, 0, 2, "A", "[PDF417] Row height must be 3 to 50 modules: 2"},
+  };
+  for (const char* format : {"png", "svg"}) {
+    for (const Row& row : rows) {
+      testing::HandlePtr handle = testing::MakeHandle(BARCODE_PDF417);
+      barcode_set_output_format(handle.get(), format);
+      barcode_set_error_level(handle.get(), row.level);
+      barcode_set_columns(handle.get(), row.columns);
+      barcode_set_rows(handle.get(), row.rows);
+      barcode_set_y_height(handle.get(), row.row_height);
+      ::testing::internal::CaptureStderr();
+      EXPECT_EQ(barcode_draw_2d_rect(handle.get(), row.text.c_str(), 400, 200), 0) << row.message;
+      EXPECT_NE(::testing::internal::GetCapturedStderr().find(row.message), std::string::npos) << row.message;
+    }
+  }
+}
+
+TEST(Pdf417, SettersReachTheObjectAndRowsScaleToTheBox) {
+  testing::HandlePtr handle = testing::MakeHandle(BARCODE_PDF417);
+  ASSERT_NE(handle, nullptr);
+  auto& object = dynamic_cast<PDF417&>(*handle->object);
+  barcode_set_error_level(handle.get(), 5);
+  barcode_set_columns(handle.get(), 4);
+  barcode_set_rows(handle.get(), 12);
+  barcode_set_aspect_ratio(handle.get(), 2.5);
+  barcode_set_y_height(handle.get(), 4);
+  EXPECT_EQ(object.GetErrorLevel(), PDF417ErrorLevel::Level5);
+  EXPECT_EQ(object.GetColumns(), 4);
+  EXPECT_EQ(object.GetRows(), 12);
+  EXPECT_EQ(object.GetAspectRatio(), 2.5);
+  EXPECT_EQ(object.GetYHeight(), 4);
+  barcode_set_error_level(handle.get(), 2);
+  // 4 columns: 137 modules; 12 rows of 4 modules: 48. A 274 x 96 box gives 2 x 2 pixels a
+  // module, and each bar is one rectangle: the start pattern's 8-module bar, the stop
+  // pattern's final 1-module bar.
+  barcode_set_output_format(handle.get(), "svg");
+  ASSERT_EQ(barcode_draw_2d_rect(handle.get(), "PDF417", 274, 96), 1);
+  const std::string svg = barcode_get_svg(handle.get());
+  EXPECT_NE(svg.find("<rect x=\"0.00\" y=\"0.00\" width=\"16.00\" height=\"8.00\""), std::string::npos);
+  EXPECT_NE(svg.find("<rect x=\"272.00\" y=\"88.00\" width=\"2.00\" height=\"8.00\""), std::string::npos);
+  EXPECT_FALSE(PDF417("svg").Draw(std::string(), 0, 0, 100, 100));
+  EXPECT_TRUE(PDF417("png").Draw(std::string(), 0, 0, 100, 100));
+}
+
+}  // namespace
+}  // namespace barcode_orv
