@@ -94,6 +94,14 @@ BARCODE_API void barcode_set_quiet(int on);
 
 /* ---- Options for every symbology ---- */
 
+/* 1: draw the symbol with the quiet zones its standard asks for (Code 39, Code 93, Code
+ * 128, GS1-128, NW-7, the 2-of-5 codes: 10 modules each side; EAN/UPC: the GS1 zones; QR
+ * Code: 4 modules; Data Matrix: 1; PDF417: 2; Japan Post: 2 bar pitches added to its
+ * canvas), with the module size chosen so that symbol and zones fit the box (whole pixels
+ * unless fit_width) and the whole centred in it. A box too small even at one pixel a
+ * module fails the draw ("[Code128] Box too small: 620 px needed"). 0 (default): no
+ * quiet zone, the symbol at the box's left (top-left for 2D) edge. Raster and SVG. */
+BARCODE_API void barcode_set_quiet_zone(BarcodeHandle* handle, int on);
 /* Bar and text colour, each component cut to its low 8 bits; default 0,0,0,255. */
 BARCODE_API void barcode_set_foreground_color(BarcodeHandle* handle, int r, int g, int b, int a);
 /* Canvas colour, each component cut to its low 8 bits; default 255,255,255,255. */

@@ -57,6 +57,9 @@ class BarcodeBase : public IBarcodeSymbology {
   // "png", "jpg" or "jpeg" exactly: the formats that get a canvas.
   bool IsRasterOutput() const;
 
+  // Draws the symbol with the quiet zones its standard asks for, centred in the box.
+  void SetQuietZone(bool on) { quiet_zone = on; }
+  bool GetQuietZone() const { return quiet_zone; }
   void SetFitWidth(bool fit) { fit_width = fit; }
   bool GetFitWidth() const { return fit_width; }
   void SetPxAdjustBlack(int px) { px_adjust_black = px; }
@@ -103,6 +106,7 @@ class BarcodeBase : public IBarcodeSymbology {
   SDL_Color fore_color{0, 0, 0, 255};
   SDL_Color back_color{255, 255, 255, 255};
   bool fit_width = false;
+  bool quiet_zone = false;
   int px_adjust_black = 0;
   int px_adjust_white = 0;
   int draw_width = 0;

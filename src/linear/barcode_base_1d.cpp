@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <exception>
+#include <stdexcept>
 
 #include "core/log.h"
 #include "linear/font_library.h"
@@ -88,12 +89,27 @@ BarcodeBase1D::FontTeardown::~FontTeardown() {
 BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int x, int y, int width,
                                                  int height) const {
   PlacedSymbol placed;
-  int64_t total = int64_t{symbol.lead_modules} + symbol.trail_modules;
+  int32_t lead_modules = symbol.lead_modules;
+  int32_t trail_modules = symbol.trail_modules;
+  if (quiet_zone) {
+    // Digits printed outside the symbol (EAN/UPC) stand inside its quiet zones.
+    lead_modules = std::max(lead_modules, symbol.quiet_left);
+    trail_modules = std::max(trail_modules, symbol.quiet_right);
+  }
+  int64_t total = int64_t{lead_modules} + trail_modules;
   for (int32_t w : symbol.widths) total += w;
   const float unit = ModuleWidthFor(width, total, fit_width);
+  if (quiet_zone) {
+    // The symbol and its zones, in whole pixels unless fit_width, centred in the box.
+    const double needed = static_cast<double>(unit) * static_cast<double>(total);
+    if (needed > width + 1e-3) throw std::runtime_error("Box too small: " + std::to_string(total) + " px needed");
+    const double margin = (width - needed) / 2.0;
+    x += static_cast<int>(fit_width ? std::lround(margin) : std::floor(margin));
+    width = static_cast<int>(std::lround(needed));
+  }
   const auto left = static_cast<float>(x);
-  const BarLayout layout = LayOutBars(symbol.widths, left + static_cast<float>(symbol.lead_modules) * unit, unit,
-                                      px_adjust_black, px_adjust_white);
+  const BarLayout layout =
+      LayOutBars(symbol.widths, left + static_cast<float>(lead_modules) * unit, unit, px_adjust_black, px_adjust_white);
 
   int font_cap = 0;
   if (symbol.font_cap_modules > 0.0F) {
@@ -119,28 +135,30 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
         break;
     }
   }
-  if (symbol.lead_modules == 0 && symbol.trail_modules == 0) {
+  if (lead_modules == 0 && trail_modules == 0) {
     placed.drawn_width = layout.drawn_width;
   } else {
-    const double right = static_cast<double>(layout.edges.back()) + static_cast<double>(symbol.trail_modules) * unit;
+    const double right = static_cast<double>(layout.edges.back()) + static_cast<double>(trail_modules) * unit;
     placed.drawn_width = static_cast<int>(std::clamp(right - x, -2147483648.0, 2147483647.0));
   }
 
   if (symbol.text_runs.empty()) {
     placed.texts.push_back(ClassicLine(symbol.display_text, x, y, placed.drawn_width, height));
   } else {
-    PlaceRuns(symbol, layout, unit, rows, x, y, height, &placed);
+    PlaceRuns(symbol, layout, unit, lead_modules, rows, x, y, height, &placed);
   }
   return placed;
 }
 
-void BarcodeBase1D::PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, const RowGeometry& rows,
-                              int x, int y, int height, PlacedSymbol* placed) const {
+void BarcodeBase1D::PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, int32_t lead_modules,
+                              const RowGeometry& rows, int x, int y, int height, PlacedSymbol* placed) const {
   if (!show_text) return;
   const int font_size = rows.font_size;
   const auto left = static_cast<float>(x);
+  // Runs count their modules from the symbol's own lead; a wider quiet zone moves them.
+  const auto shift = static_cast<float>(lead_modules - symbol.lead_modules);
   auto pixel = [&](float module) {
-    const double at = ModuleToPixel(symbol.widths, layout, left, unit, symbol.lead_modules, module);
+    const double at = ModuleToPixel(symbol.widths, layout, left, unit, lead_modules, module + shift);
     return static_cast<int64_t>(std::llround(std::clamp(at, -1e15, 1e15)));
   };
   for (const TextRun& run : symbol.text_runs) {
@@ -202,6 +220,17 @@ bool BarcodeBase1D::EncodeOrReport(const std::string& text, const char* log_pref
   }
 }
 
+bool BarcodeBase1D::PlaceOrReport(const LinearSymbol& symbol, int x, int y, int width, int height,
+                                  const char* log_prefix, PlacedSymbol* placed) const {
+  try {
+    *placed = Place(symbol, x, y, width, height);
+    return true;
+  } catch (const std::exception& error) {
+    log::Error(std::string(log_prefix) + error.what());
+    return false;
+  }
+}
+
 bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int width, int height,
                                      const char* log_prefix, const LinearEncoder& encode) {
   if (!BarcodeBase::Draw(text, x, y, width, height) || canvas_renderer() == nullptr) return false;
@@ -211,7 +240,8 @@ bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int 
   LinearSymbol symbol;
   if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
   if (symbol.text_lines != 1) InitLinerBarcode(width, height, symbol.text_lines);
-  const PlacedSymbol placed = Place(symbol, x, y, width, height);
+  PlacedSymbol placed;
+  if (!PlaceOrReport(symbol, x, y, width, height, log_prefix, &placed)) return false;
   for (const SDL_FRect& bar : placed.bars) FillRectF(bar.x, bar.y, bar.w, bar.h, fore_color);
   last_drawn_width = placed.drawn_width;
   for (const TextPlacement& text_placement : placed.texts) PaintTextRaster(text_placement);
@@ -225,9 +255,10 @@ bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int wid
   LinearSymbol symbol;
   if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
   if (symbol.text_lines != 1) InitLinerBarcode(width, height, symbol.text_lines);
+  PlacedSymbol placed;
+  if (!PlaceOrReport(symbol, x, y, width, height, log_prefix, &placed)) return false;
   SvgBegin(width, height);
   SvgRect(0, 0, static_cast<float>(width), static_cast<float>(height), back_color);
-  const PlacedSymbol placed = Place(symbol, x, y, width, height);
   for (const SDL_FRect& bar : placed.bars) SvgRect(bar.x, bar.y, bar.w, bar.h, fore_color);
   last_drawn_width = placed.drawn_width;
   for (const TextPlacement& text_placement : placed.texts) PaintTextSvg(text_placement);

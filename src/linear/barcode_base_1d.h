@@ -61,6 +61,9 @@ class BarcodeBase1D : public BarcodeBase {
     std::vector<TextRun> text_runs;  // when not empty, drawn instead of display_text
     float font_cap_modules = 0.0F;   // the runs' font is no taller than this many modules (0: no cap)
     int text_lines = 1;              // text lines reserved under the bars (InitLinerBarcode)
+    // The light margins the symbology's standard asks for, used with the quiet-zone option.
+    int32_t quiet_left = 10;
+    int32_t quiet_right = 10;
   };
   using LinearEncoder = std::function<LinearSymbol(const std::string& text)>;
 
@@ -123,9 +126,13 @@ class BarcodeBase1D : public BarcodeBase {
     std::vector<TextPlacement> texts;
     int drawn_width = 0;
   };
+  // Throws when the quiet zones are on and the symbol cannot fit the box.
   PlacedSymbol Place(const LinearSymbol& symbol, int x, int y, int width, int height) const;
-  void PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, const RowGeometry& rows, int x, int y,
-                 int height, PlacedSymbol* placed) const;
+  bool PlaceOrReport(const LinearSymbol& symbol, int x, int y, int width, int height, const char* log_prefix,
+                     PlacedSymbol* placed) const;
+  // Places the symbol's text runs; `lead_modules` is the lead actually used (quiet zone).
+  void PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, int32_t lead_modules,
+                 const RowGeometry& rows, int x, int y, int height, PlacedSymbol* placed) const;
   void PaintTextRaster(const TextPlacement& placement);
   void PaintTextSvg(const TextPlacement& placement);
   // Classic line under the bars as pieces.

@@ -133,10 +133,16 @@ void YubinCustomer::WriteBars(const std::string& bars, float x) {
   }
 }
 
+// With the quiet-zone option: two bar pitches (about 2 mm at the usual size) of light
+// space on each side, added to the canvas width.
+int YubinCustomer::QuietZoneWidth(int h) const { return quiet_zone ? static_cast<int>(2.0F * h / 3.0F) : 0; }
+
 bool YubinCustomer::Draw(const std::string& data, int x, int y, int h) {
   if (h < 1 || data.empty()) return false;
   if (IsSvgOutput()) return DrawSvg(data, x, y, 0, h);
-  if (!BarcodeBase::Draw(data, x, y, CanvasWidth(h), h) || canvas_renderer() == nullptr) return false;
+  const int quiet = QuietZoneWidth(h);
+  if (!BarcodeBase::Draw(data, x, y, CanvasWidth(h) + 2 * quiet, h) || canvas_renderer() == nullptr) return false;
+  x += quiet;
   if (!IsRasterOutput()) ClearCanvas(back_color);  // a fresh canvas is already background
   bar_full_height_ = static_cast<float>(h);
   bar_top_ = static_cast<float>(y);
@@ -156,7 +162,9 @@ bool YubinCustomer::Draw(const std::string& data, int x, int y, int /*width*/, i
 
 bool YubinCustomer::DrawSvg(const std::string& data, int x, int y, int /*width*/, int height) {
   if (height < 1 || data.empty()) return false;
-  const int canvas_width = CanvasWidth(height);
+  const int quiet = QuietZoneWidth(height);
+  const int canvas_width = CanvasWidth(height) + 2 * quiet;
+  x += quiet;
   bar_full_height_ = static_cast<float>(height);
   bar_top_ = static_cast<float>(y);
   SvgBegin(canvas_width, height);

@@ -42,6 +42,7 @@ class YubinCustomer : public BarcodeBase1D {
   bool DrawSvg(const std::string& data, int x, int y, int width, int height) override;
 
  private:
+  int QuietZoneWidth(int h) const;
   void WriteBars(const std::string& bars, float x);
 
   float bar_full_height_ = 0.0F;  // H

@@ -44,20 +44,25 @@ class BarcodeBase2D : public BarcodeBase {
   static std::vector<uint8_t> convertShiftJIS(const std::string& text);
 
  protected:
-  // Shared painting of a module matrix, raster and SVG: no quiet zone, the symbol at
-  // the box's top-left, whole-pixel modules unless fit_width, px_adjust_black on dark
-  // modules, exact fractional edges in SVG.
+  // Shared painting of a module matrix, raster and SVG: by default no quiet zone, the
+  // symbol at the box's top-left, whole-pixel modules unless fit_width, px_adjust_black on
+  // dark modules, exact fractional edges in SVG; with the quiet-zone option the symbol and
+  // its zones centred in the box.
 
   // Chooses the raster target: the caller's renderer at the box as given, or a fresh
   // canvas of the box's size, whose box then becomes the whole canvas. False after
   // reporting why no target exists.
   bool BeginRaster(int& x, int& y, int& width, int& height, bool& on_caller_canvas);
-  // Fills the box with the background and paints the dark modules.
-  void PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height, ModuleAspect aspect);
+  // Fills the box with the background and paints the dark modules; false (after the
+  // message) when the quiet zones are on and the symbol cannot fit the box.
+  bool PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height, ModuleAspect aspect);
   // Presents a caller's renderer; a canvas of our own is kept for the getters.
   void EndRaster(bool on_caller_canvas);
   // One SVG document of width x height with a background and one rectangle a dark module.
-  void PaintSvgModules(const ModuleView& modules, int width, int height, ModuleAspect aspect);
+  bool PaintSvgModules(const ModuleView& modules, int width, int height, ModuleAspect aspect);
+  // The quiet zone of the symbology's standard, in modules, and its message prefix.
+  virtual int QuietZoneModules() const { return 0; }
+  virtual const char* LogPrefix() const { return ""; }
 
  private:
   // The canvas renderer after preparing a fresh surface, or null after reporting why.

@@ -32,7 +32,7 @@ bool DataMatrix::Draw(const std::vector<uint8_t>& data, int x, int y, int width,
   if (!EncodeReporting(data, symbol)) return false;
   bool on_caller_canvas = false;
   if (!BeginRaster(x, y, width, height, on_caller_canvas)) return false;
-  PaintRasterModules(ModuleView::Of(symbol.modules), x, y, width, height, ModuleAspect::kSquare);
+  if (!PaintRasterModules(ModuleView::Of(symbol.modules), x, y, width, height, ModuleAspect::kSquare)) return false;
   EndRaster(on_caller_canvas);
   return true;
 }
@@ -40,8 +40,7 @@ bool DataMatrix::Draw(const std::vector<uint8_t>& data, int x, int y, int width,
 bool DataMatrix::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int width, int height) {
   internal::DataMatrixSymbol symbol;
   if (!EncodeReporting(data, symbol) || symbol.modules.empty()) return false;
-  PaintSvgModules(ModuleView::Of(symbol.modules), width, height, ModuleAspect::kSquare);
-  return true;
+  return PaintSvgModules(ModuleView::Of(symbol.modules), width, height, ModuleAspect::kSquare);
 }
 
 }  // namespace barcode_orv

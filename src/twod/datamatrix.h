@@ -38,6 +38,10 @@ class DataMatrix : public BarcodeBase2D {
   // throws std::runtime_error with the reason when it cannot be made.
   internal::DataMatrixSymbol Encode(const std::vector<uint8_t>& data) const;
 
+ protected:
+  int QuietZoneModules() const override { return 1; }  // ISO/IEC 16022
+  const char* LogPrefix() const override { return "[DataMatrix] "; }
+
  private:
   // Encode, reporting a failure on standard error; false when there is no symbol.
   bool EncodeReporting(const std::vector<uint8_t>& data, internal::DataMatrixSymbol& symbol) const;

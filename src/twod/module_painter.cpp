@@ -21,10 +21,10 @@ float RasterModuleSize(int extent, int modules, bool fit) {
 
 // Pixel edges 0..modules of one axis, each rounded to the nearest pixel independently,
 // so fractional modules come out one pixel wider or narrower without drifting.
-std::vector<int> RoundedEdges(int origin, float module_size, int modules) {
+std::vector<int> RoundedEdges(int origin, float module_size, int modules, int offset_modules = 0) {
   std::vector<int> edges(static_cast<size_t>(modules) + 1);
   for (int i = 0; i <= modules; ++i) {
-    edges[i] = origin + static_cast<int>(std::lround(module_size * static_cast<float>(i)));
+    edges[i] = origin + static_cast<int>(std::lround(module_size * static_cast<float>(i + offset_modules)));
   }
   return edges;
 }
@@ -93,15 +93,29 @@ bool BarcodeBase2D::BeginRaster(int& x, int& y, int& width, int& height, bool& o
   return true;
 }
 
-void BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height,
+bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height,
                                        ModuleAspect aspect) {
+  // With the quiet-zone option the symbol and its zones fill the box together, centred.
+  const int quiet = quiet_zone ? QuietZoneModules() : 0;
+  const int total_cols = modules.cols + 2 * quiet;
+  const int total_rows = modules.module_rows() + 2 * quiet;
+  if (quiet_zone && !fit_width && (width < total_cols || height < total_rows)) {
+    log::Error(std::string(LogPrefix()) + "Box too small: " + std::to_string(total_cols) + "x" +
+               std::to_string(total_rows) + " px needed");
+    return false;
+  }
   FillRect(x, y, width, height, back_color);
-  float module_width = RasterModuleSize(width, modules.cols, fit_width);
-  float module_height = RasterModuleSize(height, modules.module_rows(), fit_width);
+  float module_width = RasterModuleSize(width, total_cols, fit_width);
+  float module_height = RasterModuleSize(height, total_rows, fit_width);
   if (aspect == ModuleAspect::kSquare) module_width = module_height = std::min(module_width, module_height);
+  if (quiet_zone) {
+    x += static_cast<int>(std::floor((static_cast<float>(width) - module_width * static_cast<float>(total_cols)) / 2));
+    y +=
+        static_cast<int>(std::floor((static_cast<float>(height) - module_height * static_cast<float>(total_rows)) / 2));
+  }
 
-  const std::vector<int> col_edges = RoundedEdges(x, module_width, modules.cols);
-  const std::vector<int> unit_edges = RoundedEdges(y, module_height, modules.module_rows());
+  const std::vector<int> col_edges = RoundedEdges(x, module_width, modules.cols, quiet);
+  const std::vector<int> unit_edges = RoundedEdges(y, module_height, modules.module_rows(), quiet);
   for (int row = 0; row < modules.rows; ++row) {
     const int top = unit_edges[static_cast<size_t>(row) * modules.row_height];
     const int bottom = unit_edges[static_cast<size_t>(row + 1) * modules.row_height];
@@ -118,18 +132,30 @@ void BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
       col = end - 1;
     }
   }
+  return true;
 }
 
 void BarcodeBase2D::EndRaster(bool on_caller_canvas) {
   if (on_caller_canvas) SDL_RenderPresent(canvas_renderer());
 }
 
-void BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int height, ModuleAspect aspect) {
-  SvgBegin(width, height);
-  SvgRect(0.0f, 0.0f, static_cast<float>(width), static_cast<float>(height), back_color);
+bool BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int height, ModuleAspect aspect) {
   std::vector<float> col_edges;
   std::vector<float> unit_edges;
-  if (aspect == ModuleAspect::kSquare) {
+  if (quiet_zone) {
+    // Square modules of the smaller fit of symbol plus zones, the whole centred.
+    const int quiet = QuietZoneModules();
+    const float fit_w = static_cast<float>(width) / static_cast<float>(modules.cols + 2 * quiet);
+    const float fit_h = static_cast<float>(height) / static_cast<float>(modules.module_rows() + 2 * quiet);
+    const float module_w = aspect == ModuleAspect::kSquare ? std::min(fit_w, fit_h) : fit_w;
+    const float module_h = aspect == ModuleAspect::kSquare ? module_w : fit_h;
+    col_edges = SteppedEdges(module_w, modules.cols);
+    unit_edges = SteppedEdges(module_h, modules.module_rows());
+    const float left = (static_cast<float>(width) - module_w * static_cast<float>(modules.cols)) / 2.0f;
+    const float top = (static_cast<float>(height) - module_h * static_cast<float>(modules.module_rows())) / 2.0f;
+    for (float& edge : col_edges) edge += left;
+    for (float& edge : unit_edges) edge += top;
+  } else if (aspect == ModuleAspect::kSquare) {
     const float module_size = std::min(static_cast<float>(width) / static_cast<float>(modules.cols),
                                        static_cast<float>(height) / static_cast<float>(modules.module_rows()));
     col_edges = SteppedEdges(module_size, modules.cols);
@@ -138,6 +164,8 @@ void BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int he
     col_edges = FractionEdges(width, modules.cols);
     unit_edges = FractionEdges(height, modules.module_rows());
   }
+  SvgBegin(width, height);
+  SvgRect(0.0f, 0.0f, static_cast<float>(width), static_cast<float>(height), back_color);
   const auto adjust = static_cast<float>(px_adjust_black);
   for (int row = 0; row < modules.rows; ++row) {
     const float top = unit_edges[static_cast<size_t>(row) * modules.row_height];
@@ -155,6 +183,7 @@ void BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int he
     }
   }
   SvgEnd();
+  return true;
 }
 
 }  // namespace barcode_orv

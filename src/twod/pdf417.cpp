@@ -48,7 +48,9 @@ bool PDF417::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int
   if (!EncodeReporting(data, symbol)) return false;
   bool on_caller_canvas = false;
   if (!BeginRaster(x, y, width, height, on_caller_canvas)) return false;
-  PaintRasterModules(RowsOf(symbol, settings_.row_height), x, y, width, height, ModuleAspect::kStretch);
+  if (!PaintRasterModules(RowsOf(symbol, settings_.row_height), x, y, width, height, ModuleAspect::kStretch)) {
+    return false;
+  }
   EndRaster(on_caller_canvas);
   return true;
 }
@@ -56,8 +58,7 @@ bool PDF417::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int
 bool PDF417::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int width, int height) {
   internal_pdf417::Symbol symbol;
   if (!EncodeReporting(data, symbol) || symbol.modules.empty()) return false;
-  PaintSvgModules(RowsOf(symbol, settings_.row_height), width, height, ModuleAspect::kStretch);
-  return true;
+  return PaintSvgModules(RowsOf(symbol, settings_.row_height), width, height, ModuleAspect::kStretch);
 }
 
 }  // namespace barcode_orv

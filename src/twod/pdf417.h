@@ -62,6 +62,10 @@ class PDF417 : public BarcodeBase2D {
   // The text entry of Encode: converted with the string-encoding setting.
   internal_pdf417::Symbol CalPDF417(const std::string& text) const;
 
+ protected:
+  int QuietZoneModules() const override { return 2; }  // ISO/IEC 15438
+  const char* LogPrefix() const override { return "[PDF417] "; }
+
  private:
   bool EncodeReporting(const std::vector<uint8_t>& data, internal_pdf417::Symbol& symbol) const;
 

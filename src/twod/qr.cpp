@@ -88,7 +88,7 @@ bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int hei
   // one failure callers must be able to tell apart, so it leaves Draw as an exception.
   const ModuleMatrix matrix = Encode(data);
   LogMatrix(matrix);
-  PaintRasterModules(View(matrix), x, y, width, height, ModuleAspect::kStretch);
+  if (!PaintRasterModules(View(matrix), x, y, width, height, ModuleAspect::kStretch)) return false;
   EndRaster(on_caller_canvas);
   log::Progress("--- QR::Draw 終了 (成功) ---");
   return true;
@@ -98,8 +98,7 @@ bool QR::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int wid
   // Deliberate: as in Draw, QRCapacityError leaves this routine uncaught.
   const ModuleMatrix matrix = Encode(data);
   if (matrix.empty()) return false;
-  PaintSvgModules(View(matrix), width, height, ModuleAspect::kStretch);
-  return true;
+  return PaintSvgModules(View(matrix), width, height, ModuleAspect::kStretch);
 }
 
 }  // namespace barcode_orv

@@ -45,6 +45,10 @@ class QR : public BarcodeBase2D {
   // The module matrix for `data` under the current settings; empty for empty data.
   qr_internal::ModuleMatrix Encode(const std::vector<uint8_t>& data) const;
 
+ protected:
+  int QuietZoneModules() const override { return 4; }  // ISO/IEC 18004
+  const char* LogPrefix() const override { return "[QR] "; }
+
  private:
   QRErrorCorrectionLevel level_ = QRErrorCorrectionLevel::M;
   int version_ = 0;
