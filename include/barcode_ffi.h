@@ -102,6 +102,11 @@ BARCODE_API void barcode_set_quiet(int on);
  * module fails the draw ("[Code128] Box too small: 620 px needed"). 0 (default): no
  * quiet zone, the symbol at the box's left (top-left for 2D) edge. Raster and SVG. */
 BARCODE_API void barcode_set_quiet_zone(BarcodeHandle* handle, int on);
+/* 1: write the standard form where the library keeps a compatibility behaviour by
+ * default: Code 128 code set A with its ISO/IEC 15417 values (fixed set A, and the
+ * automatic mode, which then also uses shifts), and Matrix 2 of 5 with its published
+ * patterns. 0 (default): the compatibility forms (see the README). */
+BARCODE_API void barcode_set_standard_encoding(BarcodeHandle* handle, int on);
 /* Bar and text colour, each component cut to its low 8 bits; default 0,0,0,255. */
 BARCODE_API void barcode_set_foreground_color(BarcodeHandle* handle, int r, int g, int b, int a);
 /* Canvas colour, each component cut to its low 8 bits; default 255,255,255,255. */

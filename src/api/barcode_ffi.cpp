@@ -144,6 +144,10 @@ void barcode_set_px_adjust_white(BarcodeHandle* handle, int px) {
   if (BarcodeBase* object = ObjectOf(handle)) object->SetPxAdjustWhite(px);
 }
 
+void barcode_set_standard_encoding(BarcodeHandle* handle, int on) {
+  if (BarcodeBase* object = ObjectOf(handle)) object->SetStandardEncoding(on != 0);
+}
+
 void barcode_set_quiet_zone(BarcodeHandle* handle, int on) {
   if (BarcodeBase* object = ObjectOf(handle)) object->SetQuietZone(on != 0);
 }

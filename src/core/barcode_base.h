@@ -57,6 +57,10 @@ class BarcodeBase : public IBarcodeSymbology {
   // "png", "jpg" or "jpeg" exactly: the formats that get a canvas.
   bool IsRasterOutput() const;
 
+  // Writes the standard's form where the library keeps a compatibility behaviour by
+  // default (Code 128 set A values, the Matrix 2 of 5 patterns).
+  void SetStandardEncoding(bool on) { standard_encoding = on; }
+  bool GetStandardEncoding() const { return standard_encoding; }
   // Draws the symbol with the quiet zones its standard asks for, centred in the box.
   void SetQuietZone(bool on) { quiet_zone = on; }
   bool GetQuietZone() const { return quiet_zone; }
@@ -107,6 +111,7 @@ class BarcodeBase : public IBarcodeSymbology {
   SDL_Color back_color{255, 255, 255, 255};
   bool fit_width = false;
   bool quiet_zone = false;
+  bool standard_encoding = false;
   int px_adjust_black = 0;
   int px_adjust_white = 0;
   int draw_width = 0;

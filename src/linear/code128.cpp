@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "linear/code128_iso.h"
+
 namespace barcode_orv {
 namespace {
 
@@ -47,10 +49,12 @@ bool Encodable(const std::string& text, size_t pos, int set) {
 // Deliberate: set A writes a byte as its own code (so "A" is value 65), not the value
 // the standard assigns to that character in set A. Existing symbols printed with this
 // library carry these values, so the mapping is kept.
-int32_t ValueIn(const std::string& text, size_t pos, int set) {
+int32_t ValueIn(const std::string& text, size_t pos, int set, bool standard = false) {
   const auto c = static_cast<unsigned char>(text[pos]);
   switch (set) {
-    case kSetA: return c;
+    case kSetA:
+      if (standard) return c < 32 ? c + 64 : c - 32;  // ISO/IEC 15417 set A
+      return c;
     case kSetB: return c - 32;
     default: return (c - '0') * 10 + (static_cast<unsigned char>(text[pos + 1]) - '0');
   }
@@ -80,7 +84,7 @@ std::vector<int32_t> Expand(const std::vector<int32_t>& values, const char* rang
   return widths;
 }
 
-std::vector<int32_t> SingleSetValues(const std::string& text, CodeSet128 set) {
+std::vector<int32_t> SingleSetValues(const std::string& text, CodeSet128 set, bool standard = false) {
   if (text.empty()) throw std::runtime_error("Empty string");
   if (set != CodeSet128::kA && set != CodeSet128::kB && set != CodeSet128::kC) {
     throw std::runtime_error("Invalid CodeMode");
@@ -95,7 +99,7 @@ std::vector<int32_t> SingleSetValues(const std::string& text, CodeSet128 set) {
       if (s == kSetB) throw std::runtime_error("Invalid char for CODE_B");
       throw std::runtime_error("Not 2-digit at pos=" + std::to_string(pos));
     }
-    values.push_back(ValueIn(text, pos, s));
+    values.push_back(ValueIn(text, pos, s, standard));
     pos += Advance(s);
   }
   Finish(values);
@@ -220,6 +224,19 @@ std::vector<int32_t> EncodeCode128(const std::string& text, CodeSet128 mode) {
   return EncodeSingleSet(text, mode);
 }
 
+std::vector<int32_t> StandardCode128Values(const std::string& text, CodeSet128 mode) {
+  if (text.empty()) throw std::runtime_error("Empty string");
+  if (mode != CodeSet128::kAuto) return SingleSetValues(text, mode, true);
+  std::vector<int> chars;
+  chars.reserve(text.size());
+  for (char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte > 127) throw std::runtime_error("No valid start");
+    chars.push_back(byte);
+  }
+  return Iso15417Values(chars);
+}
+
 }  // namespace internal
 
 Code128::Code128(std::string output_format) : BarcodeBase1D(std::move(output_format)) {}
@@ -227,6 +244,7 @@ Code128::Code128(std::string output_format) : BarcodeBase1D(std::move(output_for
 Code128::Code128(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
 
 std::vector<int32_t> Code128::EncodeCode128(const std::string& text) {
+  if (standard_encoding) return internal::Code128Widths(internal::StandardCode128Values(text, code_mode_));
   return internal::EncodeCode128(text, code_mode_);
 }
 

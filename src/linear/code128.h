@@ -25,6 +25,10 @@ std::vector<int32_t> EncodeSingleSet(const std::string& text, CodeSet128 set);
 // The symbol with the fewest symbol characters over all code-set changes.
 std::vector<int32_t> EncodeAuto(const std::string& text);
 
+// Symbol values with ISO/IEC 15417's set A values: set A as asked, or (kAuto) the fewest
+// symbol characters over all sets with shifts, as every reader expects them.
+std::vector<int32_t> StandardCode128Values(const std::string& text, CodeSet128 mode);
+
 // Appends the modulo-103 check character and the stop character to start + data values.
 void FinishCode128(std::vector<int32_t>& values);
 // Element widths (bar first) of complete symbol values, start to stop.

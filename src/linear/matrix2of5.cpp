@@ -50,6 +50,37 @@ std::vector<int32_t> EncodeMatrix2of5(const std::string& text, float ratio) {
   return EncodeTwoOfFiveMatrix(text, ratio, kMatrix2of5NumericError);
 }
 
+std::vector<int32_t> EncodeStandardMatrix2of5(const std::string& text, float ratio) {
+  if (text.empty()) throw std::runtime_error("Empty string");
+  for (char c : text) {
+    if (c < '0' || c > '9') throw std::runtime_error(kMatrix2of5NumericError);
+  }
+  const int32_t wide = TwoOfFiveWideWidth(ratio);
+  // Start: a four-module bar and narrow elements, then the narrow gap.
+  std::vector<int32_t> widths = {4, kNarrow, kNarrow, kNarrow, kNarrow, kNarrow};
+  widths.reserve(6 + text.size() * 6 + 5);
+  for (char c : text) {
+    // Bar, space, bar, space, bar weighing 1, 2, 4, 7 and 0: the two wide elements add up
+    // to the digit (0 as 11), a single weight pairs with the 0 element.
+    const int digit = c == '0' ? 11 : c - '0';
+    static constexpr int kWeights[5] = {1, 2, 4, 7, 0};
+    int first = 0;
+    int second = 0;
+    for (int i = 0; i < 5; ++i) {
+      for (int j = i + 1; j < 5; ++j) {
+        if (kWeights[i] + kWeights[j] == digit) {
+          first = i;
+          second = j;
+        }
+      }
+    }
+    for (int e = 0; e < 5; ++e) widths.push_back(e == first || e == second ? wide : kNarrow);
+    widths.push_back(kNarrow);
+  }
+  widths.insert(widths.end(), {4, kNarrow, kNarrow, kNarrow, kNarrow});  // stop
+  return widths;
+}
+
 }  // namespace internal
 
 TwoOfFiveMatrixBarcode::TwoOfFiveMatrixBarcode(std::string output_format, const char* numeric_error,
@@ -60,6 +91,10 @@ TwoOfFiveMatrixBarcode::TwoOfFiveMatrixBarcode(SDL_Renderer* canvas, const char*
     : BarcodeBase1D(canvas), numeric_error_(numeric_error), log_prefix_(log_prefix) {}
 
 std::vector<int32_t> TwoOfFiveMatrixBarcode::EncodeWidths(const std::string& text) const {
+  // Only Matrix 2 of 5 has a published form to switch to.
+  if (standard_encoding && numeric_error_ == internal::kMatrix2of5NumericError) {
+    return internal::EncodeStandardMatrix2of5(text, ratio_);
+  }
   return internal::EncodeTwoOfFiveMatrix(text, ratio_, numeric_error_);
 }
 

@@ -15,6 +15,8 @@ namespace internal {
 // narrow space between them, stop. A non-digit throws `numeric_error`.
 std::vector<int32_t> EncodeTwoOfFiveMatrix(const std::string& text, float ratio, const char* numeric_error);
 std::vector<int32_t> EncodeMatrix2of5(const std::string& text, float ratio);
+// Matrix 2 of 5 as published (the 2-of-5 weights 1, 2, 4, 7, 0 over bars and spaces).
+std::vector<int32_t> EncodeStandardMatrix2of5(const std::string& text, float ratio);
 
 inline constexpr const char* kMatrix2of5NumericError = "Matrix 2 of 5 barcode requires numeric digits only";
 
