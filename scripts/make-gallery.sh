@@ -36,7 +36,7 @@ samples=(
   "qr-level-h|qr|HELLO QR CODE LEVEL H|--width 300 --height 300 --error-correction H"
   "qr-numeric|qr|31415926535897932384626433832795028841971|--width 300 --height 300 --encode-mode NUMERIC"
   "qr-shift-jis|qr|バーコード生成ライブラリ|--width 300 --height 300 --string-encoding shift-jis"
-  "qr-version-10|qr|fixed version ten|--width 400 --height 400 --version 10 --fg 20,40,120"
+  "qr-version-10|qr|fixed version ten|--width 400 --height 400 --qr-version 10 --fg 20,40,120"
   "qr-fit-width|qr|fit-width: modules spread over the box|--width 250 --height 250 --fit-width"
   "qr-rect-thin|qr|rectangular box, thinned modules|--width 320 --height 200 --px-adjust-black -1 --bg 255,250,230"
   "datamatrix-auto|datamatrix|Data Matrix ECC 200 from libbarcode_orv|--width 240 --height 240"

@@ -22,8 +22,10 @@ struct RunResult {
   std::string out;  // standard output and standard error together
 };
 
-RunResult RunCli(const std::string& arguments) {
-  const std::string command = std::string("BARCODE_ORV_QUIET=1 '") + BARCODE_ORV_CLI + "' " + arguments + " 2>&1";
+// `environment` and `redirect` wrap the command; the default merges standard error in.
+RunResult RunCli(const std::string& arguments, const std::string& environment = "BARCODE_ORV_QUIET=1",
+                 const std::string& redirect = "2>&1") {
+  const std::string command = environment + " '" + BARCODE_ORV_CLI + "' " + arguments + " " + redirect;
   RunResult result;
   FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return result;
@@ -95,7 +97,7 @@ TEST(CliTest, FailuresExitNonZeroWithTheLibrarysMessage) {
       {"--code-mode C code128 123", "[Code128] Not 2-digit at pos=2"},
       {"--error-correction H qr '" + std::string(1300, 'x') + "'", "Data too long for QR Code."},
       {"--code-size 10x10 datamatrix 1234567", "[DataMatrix] Data too long for 10x10: 4 codewords, capacity 3"},
-      {"--columns 31 pdf417 ABC", "[PDF417] Columns must be 1 to 30, or 0 for automatic: 31"},
+      {"--rows 2 pdf417 ABC", "[PDF417] Rows must be 3 to 90, or 0 for automatic: 2"},
   };
   for (const auto& [arguments, message] : failures) {
     const RunResult run = RunCli(arguments + " -o /dev/null");
@@ -117,10 +119,48 @@ TEST(CliTest, FailuresExitNonZeroWithTheLibrarysMessage) {
   }
 }
 
+// Standard output carries the picture and nothing else, even with the library's progress
+// lines allowed by the environment.
+TEST(CliTest, StandardOutputIsExactlyThePicture) {
+  const RunResult png = RunCli("--no-text code128 'Pure 128'", "BARCODE_ORV_QUIET=0", "2>/dev/null");
+  ASSERT_EQ(png.status, 0);
+  const std::vector<uint8_t> bytes(png.out.begin(), png.out.end());
+  EXPECT_EQ(testing::DecodePngBarcode(bytes, testing::Symbology::kCode128).text, "Pure 128");
+  const RunResult from_stdin = RunCli("qr - -f svg", "printf 'piped text\\n' | BARCODE_ORV_QUIET=0", "2>/dev/null");
+  ASSERT_EQ(from_stdin.status, 0);
+  EXPECT_EQ(from_stdin.out.rfind("<?xml", 0), 0U);
+  EXPECT_EQ(from_stdin.out.substr(from_stdin.out.size() - 7), "</svg>\n");
+}
+
+TEST(CliTest, OutputFileExtensionPicksTheFormat) {
+  const std::string svg_path = ::testing::TempDir() + "cli_ext.svg";
+  ASSERT_EQ(RunCli("code39 AB -o '" + svg_path + "'").status, 0);
+  const std::vector<uint8_t> svg = ReadFile(svg_path);
+  EXPECT_EQ(std::string(svg.begin(), svg.begin() + 5), "<?xml");
+  const std::string forced = ::testing::TempDir() + "cli_forced.svg";
+  ASSERT_EQ(RunCli("--format png code39 AB -o '" + forced + "'").status, 0);
+  EXPECT_EQ(ReadFile(forced)[1], 'P');  // \x89PNG: --format wins over the extension
+}
+
+TEST(CliTest, BadValuesAndCompatibilityForms) {
+  for (const char* arguments : {"--width -5 code39 A", "--height 0 code39 A", "--fg 300,0,0 code39 A",
+                                "--qr-version 41 qr A", "--text-gap nan code39 A", "--fit-width=1 code39 A"}) {
+    const RunResult run = RunCli(arguments);
+    EXPECT_EQ(run.status, 2) << arguments << ": " << run.out;
+  }
+  EXPECT_EQ(RunCli("--version").out.rfind("barcode-orv ", 0), 0U);
+  const char* warning = "--standard draws the standard form";
+  EXPECT_NE(RunCli("code128 'SHIP TO: ACME' -o /dev/null").out.find(warning), std::string::npos);
+  EXPECT_NE(RunCli("matrix2of5 123 -o /dev/null").out.find(warning), std::string::npos);
+  EXPECT_EQ(RunCli("code128 'Ship to: Acme' -o /dev/null").out.find(warning), std::string::npos);
+  EXPECT_EQ(RunCli("--standard code128 'SHIP TO: ACME' -o /dev/null").out, "");
+}
+
 TEST(CliTest, HelpAndListDescribeTheTool) {
   const RunResult help = RunCli("--help");
   EXPECT_EQ(help.status, 0);
-  for (const char* option : {"--fit-width", "--code-mode", "--error-correction", "--string-encoding", "--data-uri"}) {
+  for (const char* option : {"--fit-width", "--code-mode", "--error-correction", "--string-encoding", "--data-uri",
+                             "--quiet-zone", "--standard", "--qr-version", "Examples:"}) {
     EXPECT_NE(help.out.find(option), std::string::npos) << option;
   }
   const RunResult list = RunCli("--list");

@@ -1,5 +1,9 @@
 // barcode-orv: draws one symbol through the library's C interface and writes the PNG,
-// the SVG document or the data URI to a file or to standard output.
+// the SVG document or the data URI to a file or to standard output. Standard output
+// carries nothing but that output.
+#include <cctype>
+#include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -7,7 +11,7 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
-#include <map>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -15,6 +19,10 @@
 #include <vector>
 
 #include "barcode_ffi.h"
+
+#ifndef BARCODE_ORV_VERSION
+#define BARCODE_ORV_VERSION "unknown"
+#endif
 
 namespace {
 
@@ -46,73 +54,33 @@ constexpr SymbologyName kSymbologies[] = {
     {18, "pdf417", "PDF417"},
 };
 
-constexpr const char* kUsage = R"(Usage: barcode-orv [options] SYMBOLOGY TEXT
-
-Draws TEXT as a barcode. SYMBOLOGY is a type number (0-18) or a name; see --list.
-
-Output:
-  -o, --output FILE        write to FILE instead of standard output
-  -f, --format FORMAT      png (default), jpg, jpeg (PNG bytes, JPEG-labelled data URI)
-                           or svg; any other word is passed to the library as it is
-      --data-uri           write the base64 data URI instead of the PNG bytes
-  -W, --width N            box width in pixels (default 300)
-  -H, --height N           box height in pixels (default 100; 2D symbols: the width)
-      --draw KIND          entry point: 1d, 2d, 2d-rect, yubin, yubin-width,
-                           convenience or stacked (default: chosen by symbology)
-      --size N             side for the square entry points 2d and yubin (default: width)
-
-Options for every symbology:
-      --fg R,G,B[,A]       foreground colour (default 0,0,0,255)
-      --bg R,G,B[,A]       background colour (default 255,255,255,255)
-      --px-adjust-black N  pixels added to every bar
-      --px-adjust-white N  pixels added to every space
-      --fit-width          fractional module width that fills the box
-
-Linear symbologies:
-      --no-text            no human-readable line (same as --show-text 0)
-      --show-text 0|1
-      --text-font-scale F  text height factor (default 1.0)
-      --text-gap F         bar-to-text gap factor (default 1.0)
-      --text-even-spacing 0|1
-      --show-start-stop 0|1   Code 39 and NW-7
-      --extended-guard 0|1    JAN-8, JAN-13, UPC-A, UPC-E
-      --code-mode MODE        Code 128: A, B, C or AUTO
-
-Two-dimensional symbologies:
-      --string-encoding ENC   utf-8 (default) or shift-jis
-      --version N             QR version 1-40 (0 = smallest that fits)
-      --error-correction L    QR level L, M, Q or H
-      --encode-mode MODE      QR mode NUMERIC, ALPHANUMERIC, BYTE, KANJI or AUTO
-      --code-size SIZE        Data Matrix size, e.g. 24x24, or AUTO
-      --encode-scheme S       Data Matrix scheme ASCII, C40, TEXT, X12, EDIFACT, BASE256, AUTO
-      --error-level N         PDF417 error-correction level
-      --columns N             PDF417 columns
-      --rows N                PDF417 rows
-      --aspect-ratio F        PDF417 aspect ratio
-      --y-height N            PDF417 row height
-
-GS1 DataBar:
-      --symbol-type-14 NAME   OMNIDIRECTIONAL, STACKED or STACKED_OMNIDIRECTIONAL
-      --symbol-type-exp NAME  UNSTACKED or STACKED
-      --no-of-columns N       segment columns of stacked DataBar Expanded
-
-Information:
-      --list               list the symbologies and whether this build provides them
-  -h, --help               show this text
-
-A draw that fails exits with status 1 after the library's message on standard error.
-)";
+bool Provided(int type) {
+  BarcodeHandle* handle = barcode_create(type);
+  barcode_destroy(handle);
+  return handle != nullptr;
+}
 
 // Raised for a command line that cannot be carried out; exit status 2.
 struct UsageError {
   std::string message;
 };
 
-int ParseInt(const std::string& option, const std::string& value) {
+// ---- Values ----
+
+long long ParseWhole(const std::string& option, const std::string& value) {
   char* end = nullptr;
-  const long parsed = std::strtol(value.c_str(), &end, 10);
-  if (value.empty() || *end != '\0' || parsed < INT32_MIN || parsed > INT32_MAX) {
+  errno = 0;
+  const long long parsed = std::strtoll(value.c_str(), &end, 10);
+  if (value.empty() || *end != '\0' || errno != 0) {
     throw UsageError{option + " needs a whole number, not '" + value + "'"};
+  }
+  return parsed;
+}
+
+int ParseInt(const std::string& option, const std::string& value, long long low, long long high) {
+  const long long parsed = ParseWhole(option, value);
+  if (parsed < low || parsed > high) {
+    throw UsageError{option + " must be " + std::to_string(low) + " to " + std::to_string(high) + ", not " + value};
   }
   return static_cast<int>(parsed);
 }
@@ -120,7 +88,9 @@ int ParseInt(const std::string& option, const std::string& value) {
 double ParseDouble(const std::string& option, const std::string& value) {
   char* end = nullptr;
   const double parsed = std::strtod(value.c_str(), &end);
-  if (value.empty() || *end != '\0') throw UsageError{option + " needs a number, not '" + value + "'"};
+  if (value.empty() || *end != '\0' || !std::isfinite(parsed)) {
+    throw UsageError{option + " needs a finite number, not '" + value + "'"};
+  }
   return parsed;
 }
 
@@ -128,9 +98,9 @@ std::vector<int> ParseColor(const std::string& option, const std::string& value)
   std::vector<int> parts;
   std::stringstream stream(value);
   std::string part;
-  while (std::getline(stream, part, ',')) parts.push_back(ParseInt(option, part));
+  while (std::getline(stream, part, ',')) parts.push_back(ParseInt(option, part, 0, 255));
   if (parts.size() == 3) parts.push_back(255);
-  if (parts.size() != 4) throw UsageError{option + " needs R,G,B or R,G,B,A"};
+  if (parts.size() != 4) throw UsageError{option + " needs R,G,B or R,G,B,A (each 0 to 255)"};
   return parts;
 }
 
@@ -141,11 +111,17 @@ int ParseSymbology(const std::string& value) {
   throw UsageError{"unknown symbology '" + value + "' (see --list)"};
 }
 
+// ---- The request ----
+
+constexpr int kMaxBox = 1 << 24;  // the library's largest canvas side
+
 struct Request {
   int type = -1;
   std::string text;
-  std::string format = "png";
+  std::optional<std::string> format;
   bool data_uri = false;
+  bool verbose = false;
+  bool standard = false;
   std::string output;
   int width = 300;
   std::optional<int> height;
@@ -155,31 +131,31 @@ struct Request {
   std::vector<std::function<void(BarcodeHandle*)>> options;
 };
 
-void PrintList() {
-  std::cout << "type  name              provided  symbology\n";
-  for (const SymbologyName& entry : kSymbologies) {
-    BarcodeHandle* handle = barcode_create(entry.type);
-    char line[128];
-    std::snprintf(line, sizeof line, "%4d  %-16s  %-8s  %s\n", entry.type, entry.name, handle ? "yes" : "no",
-                  entry.description);
-    std::cout << line;
-    barcode_destroy(handle);
-  }
+using Handler = std::function<void(Request&, const std::string& option, const std::string& value)>;
+
+// One command-line option: its spelling, its help line, the types it serves (empty: all).
+struct OptionSpec {
+  const char* name;
+  const char* argument;  // null for a flag
+  const char* help;
+  std::vector<int> types;
+  Handler handle;
+};
+
+Handler Flag(std::function<void(Request&)> apply) {
+  return [apply](Request& request, const std::string&, const std::string&) { apply(request); };
 }
 
-// Options that take a value and turn into one setter call.
-using ValueOption = std::function<void(Request&, const std::string& option, const std::string& value)>;
-
 template <typename Setter>
-ValueOption IntSetter(Setter setter) {
-  return [setter](Request& request, const std::string& option, const std::string& value) {
-    const int number = ParseInt(option, value);
+Handler IntSetter(Setter setter, long long low, long long high) {
+  return [setter, low, high](Request& request, const std::string& option, const std::string& value) {
+    const int number = ParseInt(option, value, low, high);
     request.options.emplace_back([setter, number](BarcodeHandle* handle) { setter(handle, number); });
   };
 }
 
 template <typename Setter>
-ValueOption DoubleSetter(Setter setter) {
+Handler DoubleSetter(Setter setter) {
   return [setter](Request& request, const std::string& option, const std::string& value) {
     const double number = ParseDouble(option, value);
     request.options.emplace_back([setter, number](BarcodeHandle* handle) { setter(handle, number); });
@@ -187,61 +163,277 @@ ValueOption DoubleSetter(Setter setter) {
 }
 
 template <typename Setter>
-ValueOption TextSetter(Setter setter) {
+Handler TextSetter(Setter setter) {
   return [setter](Request& request, const std::string&, const std::string& value) {
     request.options.emplace_back([setter, value](BarcodeHandle* handle) { setter(handle, value.c_str()); });
   };
 }
 
 template <typename Setter>
-ValueOption ColorSetter(Setter setter) {
+Handler ColorSetter(Setter setter) {
   return [setter](Request& request, const std::string& option, const std::string& value) {
     const std::vector<int> c = ParseColor(option, value);
     request.options.emplace_back([setter, c](BarcodeHandle* handle) { setter(handle, c[0], c[1], c[2], c[3]); });
   };
 }
 
-const std::map<std::string, ValueOption>& ValueOptions() {
-  static const std::map<std::string, ValueOption> options = {
-      {"--output", [](Request& r, const std::string&, const std::string& v) { r.output = v; }},
-      {"--format", [](Request& r, const std::string&, const std::string& v) { r.format = v; }},
-      {"--width", [](Request& r, const std::string& o, const std::string& v) { r.width = ParseInt(o, v); }},
-      {"--height", [](Request& r, const std::string& o, const std::string& v) { r.height = ParseInt(o, v); }},
-      {"--size", [](Request& r, const std::string& o, const std::string& v) { r.size = ParseInt(o, v); }},
-      {"--draw", [](Request& r, const std::string&, const std::string& v) { r.draw = v; }},
-      {"--fg", ColorSetter(barcode_set_foreground_color)},
-      {"--bg", ColorSetter(barcode_set_background_color)},
-      {"--px-adjust-black", IntSetter(barcode_set_px_adjust_black)},
-      {"--px-adjust-white", IntSetter(barcode_set_px_adjust_white)},
-      {"--show-text", IntSetter(barcode_set_show_text)},
-      {"--text-font-scale", DoubleSetter(barcode_set_text_font_scale)},
-      {"--text-gap", DoubleSetter(barcode_set_text_gap)},
-      {"--text-even-spacing", IntSetter(barcode_set_text_even_spacing)},
-      {"--show-start-stop", IntSetter(barcode_set_show_start_stop)},
-      {"--extended-guard", IntSetter(barcode_set_extended_guard)},
-      {"--code-mode", TextSetter(barcode_set_code_mode)},
-      {"--string-encoding", TextSetter(barcode_set_string_encoding)},
-      {"--version", IntSetter(barcode_set_version)},
-      {"--error-correction", TextSetter(barcode_set_error_correction_level)},
-      {"--encode-mode", TextSetter(barcode_set_encode_mode)},
-      {"--code-size", TextSetter(barcode_set_code_size)},
-      {"--encode-scheme", TextSetter(barcode_set_encode_scheme)},
-      {"--error-level", IntSetter(barcode_set_error_level)},
-      {"--columns", IntSetter(barcode_set_columns)},
-      {"--rows", IntSetter(barcode_set_rows)},
-      {"--aspect-ratio", DoubleSetter(barcode_set_aspect_ratio)},
-      {"--y-height", IntSetter(barcode_set_y_height)},
-      {"--symbol-type-14", TextSetter(barcode_set_symbol_type_14)},
-      {"--symbol-type-exp", TextSetter(barcode_set_symbol_type_exp)},
-      {"--no-of-columns", IntSetter(barcode_set_no_of_columns)},
+Handler BoxValue(int Request::*field) {
+  return [field](Request& request, const std::string& option, const std::string& value) {
+    request.*field = ParseInt(option, value, 1, kMaxBox);
   };
-  return options;
 }
 
-const std::map<std::string, std::string>& ShortOptions() {
-  static const std::map<std::string, std::string> aliases = {
-      {"-o", "--output"}, {"-f", "--format"}, {"-W", "--width"}, {"-H", "--height"}};
-  return aliases;
+Handler OptionalBoxValue(std::optional<int> Request::*field) {
+  return [field](Request& request, const std::string& option, const std::string& value) {
+    request.*field = ParseInt(option, value, 1, kMaxBox);
+  };
+}
+
+const std::vector<int> kLinear = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+const std::vector<int> kEanUpc = {7, 8, 9, 10};
+const std::vector<int> k2D = {16, 17, 18};
+
+struct Section {
+  const char* title;
+  std::vector<OptionSpec> options;
+};
+
+const std::vector<Section>& Sections() {
+  static const std::vector<Section> sections = {
+      {"Output",
+       {
+           {"--output",
+            "FILE",
+            "write to FILE (its extension .svg or .png picks the format)",
+            {},
+            [](Request& r, const std::string&, const std::string& v) { r.output = v; }},
+           {"--format",
+            "FORMAT",
+            "png (default), jpg, jpeg (PNG bytes, JPEG-labelled data URI) or svg",
+            {},
+            [](Request& r, const std::string&, const std::string& v) { r.format = v; }},
+           {"--data-uri", nullptr, "write the base64 data URI instead of the PNG bytes", {}, Flag([](Request& r) {
+              r.data_uri = true;
+            })},
+           {"--width", "N", "box width in pixels (default 300)", {}, BoxValue(&Request::width)},
+           {"--height",
+            "N",
+            "box height in pixels (default 100; 2D symbols: the width)",
+            {},
+            OptionalBoxValue(&Request::height)},
+           {"--draw",
+            "KIND",
+            "entry point: 1d, 2d, 2d-rect, yubin, yubin-width, convenience, stacked",
+            {},
+            [](Request& r, const std::string&, const std::string& v) { r.draw = v; }},
+           {"--size",
+            "N",
+            "side for the entry points 2d and yubin (default: the width)",
+            {},
+            OptionalBoxValue(&Request::size)},
+           {"--verbose",
+            nullptr,
+            "let the library print its progress lines (standard output; use -o)",
+            {},
+            Flag([](Request& r) { r.verbose = true; })},
+       }},
+      {"Every symbology",
+       {
+           {"--quiet-zone",
+            nullptr,
+            "draw the quiet zones the standard asks for, symbol centred in the box",
+            {},
+            Flag([](Request& r) { r.options.emplace_back([](BarcodeHandle* h) { barcode_set_quiet_zone(h, 1); }); })},
+           {"--standard",
+            nullptr,
+            "standard forms instead of compatibility ones (Code 128 set A, Matrix 2 of 5)",
+            {2, 5},
+            Flag([](Request& r) {
+              r.standard = true;
+              r.options.emplace_back([](BarcodeHandle* h) { barcode_set_standard_encoding(h, 1); });
+            })},
+           {"--fg",
+            "R,G,B[,A]",
+            "foreground colour (default 0,0,0,255)",
+            {},
+            ColorSetter(barcode_set_foreground_color)},
+           {"--bg",
+            "R,G,B[,A]",
+            "background colour (default 255,255,255,255)",
+            {},
+            ColorSetter(barcode_set_background_color)},
+           {"--px-adjust-black",
+            "N",
+            "pixels added to every bar",
+            {},
+            IntSetter(barcode_set_px_adjust_black, -1000, 1000)},
+           {"--px-adjust-white",
+            "N",
+            "pixels added to every space",
+            {},
+            IntSetter(barcode_set_px_adjust_white, -1000, 1000)},
+           {"--fit-width", nullptr, "fractional module width that fills the box", {}, Flag([](Request& r) {
+              r.options.emplace_back([](BarcodeHandle* h) { barcode_set_fit_width(h, 1); });
+            })},
+       }},
+      {"Linear symbologies",
+       {
+           {"--no-text", nullptr, "no human-readable line (same as --show-text 0)", kLinear,
+            Flag([](Request& r) { r.options.emplace_back([](BarcodeHandle* h) { barcode_set_show_text(h, 0); }); })},
+           {"--show-text", "0|1", "human-readable line (default 1)", kLinear, IntSetter(barcode_set_show_text, 0, 1)},
+           {"--text-font-scale", "F", "text height factor (default 1.0)", kLinear,
+            DoubleSetter(barcode_set_text_font_scale)},
+           {"--text-gap", "F", "bar-to-text gap factor (default 1.0)", kLinear, DoubleSetter(barcode_set_text_gap)},
+           {"--text-even-spacing", "0|1", "spread the characters over the bars (default 1)", kLinear,
+            IntSetter(barcode_set_text_even_spacing, 0, 1)},
+           {"--show-start-stop",
+            "0|1",
+            "Code 39 and NW-7: start/stop characters in the text",
+            {0, 4},
+            IntSetter(barcode_set_show_start_stop, 0, 1)},
+           {"--extended-guard", "0|1", "JAN/UPC: guard bars into the text, digits outside", kEanUpc,
+            IntSetter(barcode_set_extended_guard, 0, 1)},
+           {"--code-mode", "MODE", "Code 128: A, B, C or AUTO", {2}, TextSetter(barcode_set_code_mode)},
+       }},
+      {"Two-dimensional symbologies",
+       {
+           {"--string-encoding", "ENC", "utf-8 (default) or shift-jis", k2D, TextSetter(barcode_set_string_encoding)},
+           {"--qr-version",
+            "N",
+            "QR version 1-40 (0: the smallest that fits)",
+            {16},
+            IntSetter(barcode_set_version, 0, 40)},
+           {"--error-correction", "L", "QR level L, M, Q or H", {16}, TextSetter(barcode_set_error_correction_level)},
+           {"--encode-mode",
+            "MODE",
+            "QR mode NUMERIC, ALPHANUMERIC, BYTE, KANJI or AUTO",
+            {16},
+            TextSetter(barcode_set_encode_mode)},
+           {"--code-size", "SIZE", "Data Matrix size, e.g. 24x24, or AUTO", {17}, TextSetter(barcode_set_code_size)},
+           {"--encode-scheme",
+            "S",
+            "Data Matrix ASCII, C40, TEXT, X12, EDIFACT, BASE256 or AUTO",
+            {17},
+            TextSetter(barcode_set_encode_scheme)},
+           {"--error-level",
+            "N",
+            "PDF417 error-correction level 0-8 (-1: automatic)",
+            {18},
+            IntSetter(barcode_set_error_level, -1, 8)},
+           {"--columns", "N", "PDF417 columns 1-30 (0: automatic)", {18}, IntSetter(barcode_set_columns, 0, 30)},
+           {"--rows", "N", "PDF417 rows 3-90 (0: automatic)", {18}, IntSetter(barcode_set_rows, 0, 90)},
+           {"--aspect-ratio",
+            "F",
+            "PDF417 width over height of the automatic shape",
+            {18},
+            DoubleSetter(barcode_set_aspect_ratio)},
+           {"--y-height", "N", "PDF417 row height in modules", {18}, IntSetter(barcode_set_y_height, 1, 1000)},
+       }},
+      {"GS1 DataBar",
+       {
+           {"--symbol-type-14",
+            "NAME",
+            "OMNIDIRECTIONAL, STACKED or STACKED_OMNIDIRECTIONAL",
+            {12},
+            TextSetter(barcode_set_symbol_type_14)},
+           {"--symbol-type-exp", "NAME", "UNSTACKED or STACKED", {14}, TextSetter(barcode_set_symbol_type_exp)},
+           {"--no-of-columns",
+            "N",
+            "segment pairs a row of stacked DataBar Expanded (1-11)",
+            {14},
+            IntSetter(barcode_set_no_of_columns, 1, 11)},
+       }},
+  };
+  return sections;
+}
+
+bool ServesABuiltType(const std::vector<int>& types) {
+  if (types.empty()) return true;
+  for (int type : types) {
+    if (Provided(type)) return true;
+  }
+  return false;
+}
+
+const OptionSpec* FindOption(const std::string& name) {
+  for (const Section& section : Sections()) {
+    for (const OptionSpec& option : section.options) {
+      if (name == option.name) return &option;
+    }
+  }
+  return nullptr;
+}
+
+// ---- Help ----
+
+struct Example {
+  int type;  // shown when this build provides it
+  const char* line;
+};
+
+constexpr Example kExamples[] = {
+    {0, "barcode-orv code39 ABC-1234 -o code39.png"},
+    {2, "barcode-orv --quiet-zone --width 400 code128 'Hello 128' -o code128.svg"},
+    {8, "barcode-orv --quiet-zone jan13 490123456789 -o jan13.png"},
+    {16, "barcode-orv --quiet-zone --error-correction H qr 'https://example.com' -o qr.png"},
+    {16, "echo 'text from a pipe' | barcode-orv qr - > qr.png"},
+    {17, "barcode-orv --quiet-zone datamatrix 'Data Matrix' --data-uri"},
+};
+
+void PrintHelp() {
+  std::cout << "Usage: barcode-orv [options] SYMBOLOGY TEXT\n\n"
+               "Draws TEXT as a barcode (TEXT '-' reads it from standard input). SYMBOLOGY is a\n"
+               "type number (0-18) or a name; --list shows which this build provides. The picture\n"
+               "goes to standard output unless -o names a file; nothing else is written there.\n";
+  for (const Section& section : Sections()) {
+    std::string lines;
+    for (const OptionSpec& option : section.options) {
+      if (!ServesABuiltType(option.types)) continue;
+      std::string spelling =
+          std::string("  ") + option.name + (option.argument ? std::string(" ") + option.argument : "");
+      if (spelling.size() < 26) spelling.resize(26, ' ');
+      lines += spelling + " " + option.help + "\n";
+    }
+    if (!lines.empty()) std::cout << "\n" << section.title << ":\n" << lines;
+  }
+  std::cout << "\nInformation:\n"
+               "  --list                     the symbologies and whether this build provides them\n"
+               "  --version                  the program's version\n"
+               "  -h, --help                 this text\n"
+               "\nShort forms: -o --output, -f --format, -W --width, -H --height.\n"
+               "\nExamples:\n";
+  for (const Example& example : kExamples) {
+    if (Provided(example.type)) std::cout << "  " << example.line << "\n";
+  }
+  std::cout << "\nExit status: 0 drawn, 1 the library refused the text (its message on standard\n"
+               "error), 2 a bad command line.\n";
+}
+
+void PrintList() {
+  std::cout << "type  name              provided  symbology\n";
+  for (const SymbologyName& entry : kSymbologies) {
+    char line[128];
+    std::snprintf(line, sizeof line, "%4d  %-16s  %-8s  %s\n", entry.type, entry.name,
+                  Provided(entry.type) ? "yes" : "no", entry.description);
+    std::cout << line;
+  }
+}
+
+// ---- Parsing ----
+
+std::string ShortToLong(const std::string& arg) {
+  if (arg == "-o") return "--output";
+  if (arg == "-f") return "--format";
+  if (arg == "-W") return "--width";
+  if (arg == "-H") return "--height";
+  return arg;
+}
+
+std::string ReadStandardInput() {
+  std::string text((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
+  if (!text.empty() && text.back() == '\n') text.pop_back();
+  if (!text.empty() && text.back() == '\r') text.pop_back();
+  return text;
 }
 
 // Returns nullopt when the command line only asked for information.
@@ -260,24 +452,16 @@ std::optional<Request> ParseArguments(int argc, char** argv) {
       continue;
     }
     if (arg == "-h" || arg == "--help") {
-      std::cout << kUsage;
+      PrintHelp();
       return std::nullopt;
     }
     if (arg == "--list") {
       PrintList();
       return std::nullopt;
     }
-    if (arg == "--data-uri") {
-      request.data_uri = true;
-      continue;
-    }
-    if (arg == "--fit-width") {
-      request.options.emplace_back([](BarcodeHandle* handle) { barcode_set_fit_width(handle, 1); });
-      continue;
-    }
-    if (arg == "--no-text") {
-      request.options.emplace_back([](BarcodeHandle* handle) { barcode_set_show_text(handle, 0); });
-      continue;
+    if (arg == "--version") {
+      std::cout << "barcode-orv " << BARCODE_ORV_VERSION << "\n";
+      return std::nullopt;
     }
     std::string value;
     bool has_inline_value = false;
@@ -286,20 +470,36 @@ std::optional<Request> ParseArguments(int argc, char** argv) {
       arg = arg.substr(0, equals);
       has_inline_value = true;
     }
-    if (const auto alias = ShortOptions().find(arg); alias != ShortOptions().end()) arg = alias->second;
-    const auto option = ValueOptions().find(arg);
-    if (option == ValueOptions().end()) throw UsageError{"unknown option '" + arg + "' (see --help)"};
-    if (!has_inline_value) {
+    arg = ShortToLong(arg);
+    const OptionSpec* option = FindOption(arg);
+    if (option == nullptr) throw UsageError{"unknown option '" + arg + "' (see --help)"};
+    if (option->argument != nullptr && !has_inline_value) {
       if (i + 1 >= argc) throw UsageError{arg + " needs a value"};
       value = argv[++i];
+    } else if (option->argument == nullptr && has_inline_value) {
+      throw UsageError{arg + " takes no value"};
     }
-    option->second(request, arg, value);
+    option->handle(request, arg, value);
   }
   if (positional.size() != 2) throw UsageError{"expected SYMBOLOGY and TEXT (see --help)"};
   request.type = ParseSymbology(positional[0]);
-  request.text = positional[1];
+  request.text = positional[1] == "-" ? ReadStandardInput() : positional[1];
   return request;
 }
+
+// The format: --format if given, else the output file's extension, else png.
+std::string OutputFormat(const Request& request) {
+  if (request.format) return *request.format;
+  const size_t dot = request.output.rfind('.');
+  if (dot != std::string::npos) {
+    std::string extension = request.output.substr(dot + 1);
+    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (extension == "svg" || extension == "png" || extension == "jpg" || extension == "jpeg") return extension;
+  }
+  return "png";
+}
+
+// ---- Drawing ----
 
 std::string DefaultDrawKind(int type) {
   if (type >= BARCODE_QR) return "2d-rect";
@@ -323,6 +523,27 @@ int Draw(BarcodeHandle* handle, const Request& request) {
   throw UsageError{"unknown --draw kind '" + kind + "'"};
 }
 
+using HandlePtr = std::unique_ptr<BarcodeHandle, decltype(&barcode_destroy)>;
+
+// SVG of the request drawn with or without the standard encoding.
+std::string SvgOf(const Request& request, bool standard) {
+  HandlePtr handle(barcode_create(request.type), barcode_destroy);
+  barcode_set_output_format(handle.get(), "svg");
+  for (const auto& option : request.options) option(handle.get());
+  barcode_set_standard_encoding(handle.get(), standard ? 1 : 0);
+  return Draw(handle.get(), request) != 0 ? barcode_get_svg(handle.get()) : std::string();
+}
+
+// Readers decode the compatibility forms of Code 128 set A and Matrix 2 of 5 as other
+// text (or not at all): say so when the symbol differs from its standard form.
+void WarnAboutCompatibilityForms(const Request& request) {
+  if (request.standard || (request.type != BARCODE_CODE128 && request.type != BARCODE_MATRIX2OF5)) return;
+  if (SvgOf(request, false) == SvgOf(request, true)) return;
+  std::cerr << "barcode-orv: warning: this symbol uses the library's compatibility form of "
+            << (request.type == BARCODE_CODE128 ? "Code 128 code set A" : "Matrix 2 of 5")
+            << ", which standard readers decode differently; --standard draws the standard form\n";
+}
+
 bool WriteOutput(const Request& request, const char* data, size_t size) {
   if (request.output.empty() || request.output == "-") {
     std::cout.write(data, static_cast<std::streamsize>(size));
@@ -335,31 +556,33 @@ bool WriteOutput(const Request& request, const char* data, size_t size) {
 }
 
 int Run(const Request& request) {
-  BarcodeHandle* handle = barcode_create(request.type);
-  if (handle == nullptr) {
+  barcode_set_quiet(request.verbose ? 0 : 1);
+  HandlePtr handle(barcode_create(request.type), barcode_destroy);
+  if (!handle) {
     std::cerr << "barcode-orv: symbology " << request.type << " is not provided by this build\n";
     return 1;
   }
-  std::unique_ptr<BarcodeHandle, decltype(&barcode_destroy)> owner(handle, barcode_destroy);
-  barcode_set_output_format(handle, request.format.c_str());
-  for (const auto& option : request.options) option(handle);
-  if (Draw(handle, request) == 0) {
-    std::cerr << "barcode-orv: drawing failed\n";
+  barcode_set_output_format(handle.get(), OutputFormat(request).c_str());
+  barcode_set_throw_on_capacity_error(handle.get(), 0);  // reported, never an abort
+  for (const auto& option : request.options) option(handle.get());
+  if (Draw(handle.get(), request) == 0) {
+    std::cerr << "barcode-orv: drawing failed: " << barcode_get_last_error(handle.get()) << "\n";
     return 1;
   }
+  WarnAboutCompatibilityForms(request);
   bool written = false;
-  if (barcode_is_svg_output(handle) != 0) {
-    const std::string svg = barcode_get_svg(handle);
+  if (barcode_is_svg_output(handle.get()) != 0) {
+    const std::string svg = barcode_get_svg(handle.get());
     written = WriteOutput(request, svg.data(), svg.size());
   } else if (request.data_uri) {
-    std::string uri = barcode_get_base64(handle);
+    std::string uri = barcode_get_base64(handle.get());
     uri += '\n';
     written = WriteOutput(request, uri.data(), uri.size());
   } else {
     uint32_t size = 0;
-    const uint8_t* png = barcode_get_image_data(handle, &size);
+    const uint8_t* png = barcode_get_image_data(handle.get(), &size);
     if (png == nullptr) {
-      std::cerr << "barcode-orv: no image was produced\n";
+      std::cerr << "barcode-orv: no image was produced: " << barcode_get_last_error(handle.get()) << "\n";
       return 1;
     }
     written = WriteOutput(request, reinterpret_cast<const char*>(png), size);
@@ -381,7 +604,7 @@ int main(int argc, char** argv) {
   } catch (const UsageError& error) {
     std::cerr << "barcode-orv: " << error.message << "\n";
     return 2;
-  } catch (const std::exception& error) {  // the QR capacity error reaches here
+  } catch (const std::exception& error) {
     std::cerr << "barcode-orv: " << error.what() << "\n";
     return 1;
   }
