@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Renders every symbology this build provides to PNG and SVG in OUT_DIR and writes
-# OUT_DIR/index.html, which shows each picture with the command that made it.
+# OUT_DIR/index.html: a grid of cards, each picture on a white margin with the command
+# that made it, as it can be pasted.
 # Usage: make-gallery.sh CLI OUT_DIR
 set -euo pipefail
 cli=${1:?usage: make-gallery.sh CLI OUT_DIR}
@@ -8,69 +9,78 @@ out=${2:?usage: make-gallery.sh CLI OUT_DIR}
 mkdir -p "$out"
 export BARCODE_ORV_QUIET=1
 
-# name | symbology | text | extra options
+# section | name | symbology | text | options | note ("compat" marks a compatibility form,
+# whose standard twin follows it). Every command draws the quiet zones, so each file scans
+# as it is.
 samples=(
-  "code39|code39|ABC-1234|--width 300 --height 100"
-  "code39-no-asterisks|code39|CODE 39|--width 360 --height 100 --show-start-stop 0"
-  "code93|code93|CODE93 TEST|--width 320 --height 100"
-  "code128-auto|code128|Code128 abc-123456|--width 400 --height 100"
-  "code128-set-c|code128|1234567890|--width 300 --height 100 --code-mode C"
-  "code128-odd-digits|code128|12345|--width 300 --height 100"
-  "nw7|nw7|A1234-5678B|--width 360 --height 100"
-  "nw7-hidden-start-stop|nw7|a123b|--width 300 --height 100 --show-start-stop 0"
-  "matrix2of5|matrix2of5|1234567890|--width 360 --height 100"
-  "nec2of5|nec2of5|1234567890|--width 360 --height 100"
-  "itf|itf|12345678901231|--width 360 --height 100"
-  "itf-odd-length|itf|123456789|--width 300 --height 100"
-  "jan13|jan13|4901234567894|--width 300 --height 120"
-  "jan13-plain-guards|jan13|490123456789|--width 300 --height 120 --extended-guard 0"
-  "jan13-book-add-on|jan13|978410109205+90000|--width 420 --height 120"
-  "jan8|jan8|4912345|--width 200 --height 100"
-  "upca|upca|03600029145|--width 330 --height 120"
-  "upca-magazine-add-on|upca|036000291452+12|--width 400 --height 120"
-  "upce|upce|0123456|--width 220 --height 100"
-  "gs1-128|gs1-128|(01)04912345678904(10)ABC123(17)251231|--width 520 --height 120"
-  "gs1-128-convenience|gs1-128|9191234512345678901234567890123425013102500|--width 600 --height 240 --draw convenience"
-  "yubin|yubin|10000131-3-2-503|--height 30"
-  "qr-url|qr|https://example.com/barcode?id=12345|--width 300 --height 300"
-  "qr-level-h|qr|HELLO QR CODE LEVEL H|--width 300 --height 300 --error-correction H"
-  "qr-numeric|qr|31415926535897932384626433832795028841971|--width 300 --height 300 --encode-mode NUMERIC"
-  "qr-shift-jis|qr|バーコード生成ライブラリ|--width 300 --height 300 --string-encoding shift-jis"
-  "qr-version-10|qr|fixed version ten|--width 400 --height 400 --qr-version 10 --fg 20,40,120"
-  "qr-fit-width|qr|fit-width: modules spread over the box|--width 250 --height 250 --fit-width"
-  "qr-rect-thin|qr|rectangular box, thinned modules|--width 320 --height 200 --px-adjust-black -1 --bg 255,250,230"
-  "datamatrix-auto|datamatrix|Data Matrix ECC 200 from libbarcode_orv|--width 240 --height 240"
-  "datamatrix-c40|datamatrix|LOT 4711-0815 EXP 2026-11|--width 240 --height 240 --encode-scheme C40"
-  "datamatrix-rectangular|datamatrix|RECT 16x48 SYMBOL 2026|--width 480 --height 160 --code-size 16x48"
-  "datamatrix-shift-jis|datamatrix|データマトリックス 二次元コード|--width 240 --height 240 --string-encoding shift-jis"
-  "pdf417-auto|pdf417|PDF417 from libbarcode_orv: text, 0123456789012345 digits and more text.|--width 420 --height 160"
-  "pdf417-columns|pdf417|Fixed four columns at error level 5|--width 300 --height 300 --columns 4 --error-level 5"
-  "pdf417-aspect|pdf417|Aspect ratio 1:1 with rows 5 modules high|--width 300 --height 300 --aspect-ratio 1 --y-height 5"
-  "pdf417-shift-jis|pdf417|二次元コード PDF417 の見本|--width 420 --height 160 --string-encoding shift-jis --fg 120,20,40"
-  "datamatrix-144|datamatrix|$(printf '0123456789%.0s' $(seq 1 300))|--width 432 --height 432 --code-size 144x144 --fg 20,40,120"
+  "Linear|code39|code39|ABC-1234|--width 360 --height 100"
+  "Linear|code39-no-asterisks|code39|CODE 39|--width 400 --height 100 --show-start-stop 0"
+  "Linear|code93|code93|CODE93 TEST|--width 360 --height 100"
+  "Linear|code128-auto|code128|Code128 abc-123456|--width 440 --height 100"
+  "Linear|code128-set-c|code128|1234567890|--width 300 --height 100 --code-mode C"
+  "Linear|nw7|nw7|A1234-5678B|--width 400 --height 100"
+  "Linear|nw7-hidden-start-stop|nw7|a123b|--width 300 --height 100 --show-start-stop 0"
+  "Linear|itf|itf|12345678901231|--width 400 --height 100"
+  "Linear|itf-odd-length|itf|123456789|--width 300 --height 100"
+  "Linear|nec2of5|nec2of5|1234567890|--width 400 --height 100"
+  "Retail and GS1|jan13|jan13|4901234567894|--width 300 --height 120"
+  "Retail and GS1|jan13-plain-guards|jan13|490123456789|--width 300 --height 120 --extended-guard 0"
+  "Retail and GS1|jan13-book-add-on|jan13|978410109205+90000|--width 440 --height 120"
+  "Retail and GS1|jan8|jan8|4912345|--width 220 --height 100"
+  "Retail and GS1|upca|upca|03600029145|--width 330 --height 120"
+  "Retail and GS1|upca-magazine-add-on|upca|036000291452+12|--width 420 --height 120"
+  "Retail and GS1|upce|upce|0123456|--width 220 --height 100"
+  "Retail and GS1|gs1-128|gs1-128|(01)04912345678904(10)ABC123(17)251231|--width 560 --height 120"
+  "Retail and GS1|gs1-128-convenience|gs1-128|9191234512345678901234567890123425013102500|--width 640 --height 240 --draw convenience"
+  "Postal|yubin|yubin|10000131-3-2-503|--height 30"
+  "Two-dimensional|qr-url|qr|https://example.com/barcode?id=12345|--width 300 --height 300"
+  "Two-dimensional|qr-level-h|qr|HELLO QR CODE LEVEL H|--width 300 --height 300 --error-correction H"
+  "Two-dimensional|qr-numeric|qr|31415926535897932384626433832795028841971|--width 300 --height 300 --encode-mode NUMERIC"
+  "Two-dimensional|qr-shift-jis|qr|バーコード生成ライブラリ|--width 300 --height 300 --string-encoding shift-jis"
+  "Two-dimensional|qr-version-10|qr|fixed version ten|--width 400 --height 400 --qr-version 10 --fg 20,40,120"
+  "Two-dimensional|qr-rect-thin|qr|rectangular box, thinned modules|--width 320 --height 240 --px-adjust-black -1 --bg 255,250,230"
+  "Two-dimensional|datamatrix-auto|datamatrix|Data Matrix ECC 200 from libbarcode_orv|--width 240 --height 240"
+  "Two-dimensional|datamatrix-c40|datamatrix|LOT 4711-0815 EXP 2026-11|--width 240 --height 240 --encode-scheme C40"
+  "Two-dimensional|datamatrix-rectangular|datamatrix|RECT 16x48 SYMBOL 2026|--width 500 --height 180 --code-size 16x48"
+  "Two-dimensional|datamatrix-shift-jis|datamatrix|データマトリックス 二次元コード|--width 240 --height 240 --string-encoding shift-jis"
+  "Two-dimensional|pdf417-auto|pdf417|PDF417 from libbarcode_orv: text, 0123456789012345 digits and more text.|--width 440 --height 180"
+  "Two-dimensional|pdf417-columns|pdf417|Fixed four columns at error level 5|--width 320 --height 320 --columns 4 --error-level 5"
+  "Two-dimensional|pdf417-shift-jis|pdf417|二次元コード PDF417 の見本|--width 440 --height 180 --string-encoding shift-jis --fg 120,20,40"
+  "Quiet zones|quiet-code128|code128|ZONES|--width 200 --height 80 --no-text|the 10-module zones take the box's sides; the symbol is centred"
+  "Quiet zones|quiet-qr|qr|4 modules all round|--width 160 --height 160|a QR Code with its 4-module zone inside a 160 px box"
+  "Quiet zones|quiet-jan13|jan13|4901234567894|--width 260 --height 110|EAN-13 zones: 11 modules left (the first digit sits in it), 7 right"
+  "Compatibility forms|code128-odd-digits|code128|12345|--width 300 --height 100|compat"
+  "Compatibility forms|code128-odd-digits-standard|code128|12345|--width 300 --height 100 --standard|standard twin: reads 12345"
+  "Compatibility forms|matrix2of5|matrix2of5|1234567890|--width 400 --height 100|compat"
+  "Compatibility forms|matrix2of5-standard|matrix2of5|1234567890|--width 400 --height 100 --standard|standard twin: the published patterns"
 )
 
 html="$out/index.html"
 {
   echo '<!DOCTYPE html>'
   echo '<html lang="en"><head><meta charset="utf-8"><title>libbarcode_orv gallery</title>'
-  echo '<style>body{font-family:sans-serif;margin:2em;background:#f4f4f4}'
-  echo 'figure{display:inline-block;vertical-align:top;background:#fff;margin:0 1em 1em 0;padding:1em;border:1px solid #ccc}'
-  echo 'img{border:1px dashed #bbb;margin-right:1em}figcaption{margin-top:.5em;font-size:90%}code{display:block;margin:.2em 0}</style>'
+  echo '<style>body{font-family:sans-serif;margin:2em;background:#eceff1}'
+  echo '.grid{display:grid;grid-template-columns:repeat(auto-fill,minmax(420px,1fr));gap:1em}'
+  echo '.card{background:#fff;padding:1em;border-radius:6px;box-shadow:0 1px 3px #0003}'
+  echo '.picture{background:#fff;padding:24px;text-align:center}img{max-width:100%}'
+  echo 'code{display:block;white-space:pre-wrap;word-break:break-all;background:#f6f8fa;padding:.4em;font-size:85%}'
+  echo '.note{color:#444;font-size:90%}.compat{color:#a0460a;font-weight:bold}</style>'
   echo '</head><body><h1>libbarcode_orv gallery</h1>'
-  echo '<p>Each symbol is drawn by the command-line tool; PNG on the left, SVG on the right.</p>'
+  echo '<p>Every picture was made by the command under it, run from the repository after <code>make demo</code>;'
+  echo 'paste it to get the same file. Each symbol carries its quiet zones, so it scans as it is (from the screen too).</p>'
 } > "$html"
 
 escape() { sed -e 's/&/\&amp;/g' -e 's/</\&lt;/g' -e 's/>/\&gt;/g' -e 's/"/\&quot;/g'; }
 
 rendered=0
 skipped=()
+section=""
 for sample in "${samples[@]}"; do
-  IFS='|' read -r name symbology text options <<< "$sample"
+  IFS='|' read -r group name symbology text options note <<< "$sample"
   # shellcheck disable=SC2206
-  extra=($options)
-  png_cmd=("$cli" "${extra[@]}" --format png --output "$out/$name.png" "$symbology" "$text")
-  svg_cmd=("$cli" "${extra[@]}" --format svg --output "$out/$name.svg" "$symbology" "$text")
+  extra=(--quiet-zone $options)
+  png_cmd=("$cli" "${extra[@]}" --output "$out/$name.png" "$symbology" "$text")
+  svg_cmd=("$cli" "${extra[@]}" --output "$out/$name.svg" "$symbology" "$text")
   if ! "${png_cmd[@]}" 2> "$out/$name.log" || ! "${svg_cmd[@]}" 2>> "$out/$name.log"; then
     if grep -q "not provided" "$out/$name.log"; then
       skipped+=("$name")
@@ -82,17 +92,26 @@ for sample in "${samples[@]}"; do
     exit 1
   fi
   rm -f "$out/$name.log"
-  shown_png="barcode-orv ${options} --format png --output $name.png $symbology '$text'"
-  shown_svg="barcode-orv ${options} --format svg --output $name.svg $symbology '$text'"
+  if [ "$group" != "$section" ]; then
+    [ -n "$section" ] && echo '</div>' >> "$html"
+    echo "<h2>$group</h2><div class=\"grid\">" >> "$html"
+    section=$group
+  fi
+  shown="build/barcode-orv --quiet-zone ${options} -o $name.png $symbology $(printf '%q' "$text")"
+  case "$note" in
+    compat) label='<p class="compat">Compatibility form: standard readers decode it differently; its standard twin (--standard) follows.</p>' ;;
+    "") label="" ;;
+    *) label="<p class=\"note\">$(printf '%s' "$note" | escape)</p>" ;;
+  esac
   {
-    echo "<figure><img src=\"$name.png\" alt=\"$name PNG\"><img src=\"$name.svg\" alt=\"$name SVG\">"
-    echo "<figcaption><strong>$name</strong>"
-    echo "<code>$(printf '%s' "$shown_png" | escape)</code><code>$(printf '%s' "$shown_svg" | escape)</code>"
-    echo "</figcaption></figure>"
+    echo "<div class=\"card\"><div class=\"picture\"><img src=\"$name.png\" alt=\"$name\"></div>"
+    echo "<strong>$name</strong> (<a href=\"$name.svg\">SVG</a>)$label"
+    echo "<code>$(printf '%s' "$shown" | escape)</code></div>"
   } >> "$html"
   rendered=$((rendered + 1))
 done
 
+[ -n "$section" ] && echo '</div>' >> "$html"
 echo '</body></html>' >> "$html"
 echo "gallery: $rendered symbols in $out/index.html"
 if [ ${#skipped[@]} -gt 0 ]; then
