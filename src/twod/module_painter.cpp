@@ -104,7 +104,9 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
                std::to_string(total_rows) + " px needed");
     return false;
   }
-  FillRect(x, y, width, height, back_color);
+  // A fresh canvas is background already; a leftover one (unknown format) or a caller's
+  // renderer is not.
+  if (!IsRasterOutput() || canvas_renderer() == external_canvas()) FillRect(x, y, width, height, back_color);
   float module_width = RasterModuleSize(width, total_cols, fit_width);
   float module_height = RasterModuleSize(height, total_rows, fit_width);
   if (aspect == ModuleAspect::kSquare) module_width = module_height = std::min(module_width, module_height);
