@@ -307,14 +307,28 @@ BarcodeBase1D::TextPlacement BarcodeBase1D::ClassicLine(const std::string& text,
 
 void BarcodeBase1D::PaintTextRaster(const TextPlacement& placement) {
   if (placement.pieces.empty() || canvas_renderer() == nullptr) return;
-  const std::lock_guard<std::mutex> lock(font::Mutex());
-  if (m_font == nullptr) return;
-  TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(placement.font_size, kMaxRasterFontPoints));
-  if (font == nullptr) return;
-  for (const TextPiece& piece : placement.pieces) {
-    SurfacePtr rendered(TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
+  // Only the rendering needs the shared fonts; the pieces are copied onto this object's
+  // canvas after the lock is released, so threads drawing on separate handles overlap.
+  std::vector<SurfacePtr> rendered_pieces;
+  std::vector<std::string> failures;
+  {
+    const std::lock_guard<std::mutex> lock(font::Mutex());
+    if (m_font == nullptr) return;
+    TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(placement.font_size, kMaxRasterFontPoints));
+    if (font == nullptr) return;
+    rendered_pieces.reserve(placement.pieces.size());
+    for (const TextPiece& piece : placement.pieces) {
+      rendered_pieces.emplace_back(TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
+      if (!rendered_pieces.back()) failures.emplace_back(SDL_GetError());
+    }
+  }
+  size_t failure = 0;
+  for (size_t i = 0; i < placement.pieces.size(); ++i) {
+    const TextPiece& piece = placement.pieces[i];
+    const SurfacePtr& rendered = rendered_pieces[i];
     if (!rendered) {
-      if (placement.log_failures) log::Error(std::string("TTF_RenderUTF8_Blended error: ") + SDL_GetError());
+      if (placement.log_failures) log::Error("TTF_RenderUTF8_Blended error: " + failures[failure]);
+      ++failure;
       continue;
     }
     // Centred in the piece's span; the halving truncates toward zero.
