@@ -82,8 +82,8 @@ std::string BarcodeBase::CanvasSizeProblem(int width, int height) {
   // either limit it writes outside the canvas instead of failing.
   constexpr int64_t kMaxSide = int64_t{1} << 24;
   constexpr int64_t kMaxBytes = INT_MAX;
-  const int64_t bytes = int64_t{width} * height * 4;
-  if (width <= kMaxSide && height <= kMaxSide && bytes <= kMaxBytes) return {};
+  // Sides first: within them the byte count cannot overflow.
+  if (width <= kMaxSide && height <= kMaxSide && int64_t{width} * height * 4 <= kMaxBytes) return {};
   return "canvas " + std::to_string(width) + "x" + std::to_string(height) + " is larger than " +
          std::to_string(kMaxBytes) + " bytes or " + std::to_string(kMaxSide) + " pixels a side";
 }

@@ -19,10 +19,9 @@ constexpr int kSharedFontPoints = 18;
 constexpr int kMaxRasterFontPoints = 2048;
 
 // The path the shared font was opened from; the per-size fonts come from the same file.
-// Never destroyed by itself, so the font teardown can still clear it at exit.
 std::string& SharedFontPath() {
-  static auto* path = new std::string();
-  return *path;
+  static std::string path;
+  return path;
 }
 
 }  // namespace
@@ -42,8 +41,11 @@ std::string BarcodeBase1D::GetFontPath() { return font::FindFontPath(GetModulePa
 bool BarcodeBase1D::InitFont() {
   const std::lock_guard<std::mutex> lock(font::Mutex());
   if (m_font != nullptr) return true;
-  // Constructed after the mutex, so it is destroyed before it: at unload or exit the
-  // fonts close while the library's own SDL_ttf reference still keeps FreeType alive.
+  // Constructed after the mutex and the caches, so it is destroyed before them: at unload
+  // or exit the fonts close while the library's own SDL_ttf reference still keeps
+  // FreeType alive.
+  font::CreateSizedFontCache();
+  (void)SharedFontPath();
   static const FontTeardown teardown;
   if (font::TornDown()) return false;
   if (!font::HoldTtf()) {

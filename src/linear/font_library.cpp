@@ -32,11 +32,9 @@ bool PathExists(const std::string& path) {
   return ::stat(path.c_str(), &info) == 0;
 }
 
-// Never destroyed by itself: the teardown in the linear base closes its fonts while
-// SDL_ttf is still held, whatever order the other static objects go in.
 std::map<int, FontPtr>& SizedFonts() {
-  static auto* fonts = new std::map<int, FontPtr>();
-  return *fonts;
+  static std::map<int, FontPtr> fonts;
+  return fonts;
 }
 
 // Directory of the file this library was loaded from (the shared or the linking
@@ -116,6 +114,8 @@ TTF_Font* SizedFont(const std::string& path, int points) {
 }
 
 void CloseSizedFonts() { SizedFonts().clear(); }
+
+void CreateSizedFontCache() { (void)SizedFonts(); }
 
 bool HoldTtf() {
   if (holds_ttf) return true;

@@ -27,6 +27,9 @@ TTF_Font* SizedFont(const std::string& path, int points);
 
 // Closes every sized font.
 void CloseSizedFonts();
+// Constructs the cache of sized fonts now, so that it outlives what is constructed after
+// (objects of static storage are destroyed in the reverse order).
+void CreateSizedFontCache();
 
 // Takes the library's own SDL_ttf reference (its own TTF_Init, once), so that a host's
 // TTF_Quit never frees the faces held here. False when SDL_ttf cannot start.
