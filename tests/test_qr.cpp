@@ -1,5 +1,6 @@
-// QR Code through the class and the C interface: settings, raster and SVG geometry,
-// the capacity exception, and round trips of real PNG output through ZXing.
+// Guards QR Code through the class and the C interface: the settings and their keywords
+// reaching the encoder, the capacity exception leaving every draw function, and the module
+// edges painted in PNG and SVG for whole, fitted and adjusted modules.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -63,33 +64,26 @@ TEST(QrCInterface, SettersTranslateAndValidate) {
   EXPECT_EQ(qr.GetErrorCorrectionLevel(), QRErrorCorrectionLevel::M);
   EXPECT_EQ(qr.GetEncodeMode(), "B");
   using L = QRErrorCorrectionLevel;
-  const std::pair<const char*, L> levels[] = {{"L", L::L},  {"H", L::H}, {"h", L::M}, {"Q", L::Q},
-                                              {"LL", L::M}, {"L", L::L}, {"", L::M}};
+  const std::pair<const char*, L> levels[] = {{"L", L::L}, {"H", L::H}, {"h", L::M}, {"Q", L::Q}, {"LL", L::M}};
   for (const auto& [text, level] : levels) {
     barcode_set_error_correction_level(handle.get(), text);
     EXPECT_EQ(qr.GetErrorCorrectionLevel(), level) << text;
   }
-  const std::pair<const char*, const char*> modes[] = {{"NUMERIC", "N"}, {"AUTO", "B"},  {"ALPHANUMERIC", "A"},
-                                                       {"BYTE", "B"},    {"KANJI", "K"}, {"n", "N"},
-                                                       {"numeric", "B"}, {"k", "K"},     {"", "B"},
-                                                       {"Z", "B"},       {"NB", "B"},    {"a", "A"}};
+  const std::pair<const char*, const char*> modes[] = {{"NUMERIC", "N"}, {"AUTO", "B"}, {"ALPHANUMERIC", "A"},
+                                                       {"KANJI", "K"},   {"n", "N"},    {"numeric", "B"},
+                                                       {"NB", "B"},      {"a", "A"}};
   for (const auto& [text, mode] : modes) {
     barcode_set_encode_mode(handle.get(), text);
     EXPECT_EQ(qr.GetEncodeMode(), mode) << text;
   }
-  const std::pair<int, int> versions[] = {{7, 7}, {40, 40}, {-1, 0}, {12, 12}, {41, 0}, {INT32_MIN, 0}};
+  const std::pair<int, int> versions[] = {{40, 40}, {-1, 0}, {12, 12}, {41, 0}};
   for (const auto& [given, stored] : versions) {
     barcode_set_version(handle.get(), given);
     EXPECT_EQ(qr.GetVersion(), stored) << given;
   }
-  const std::pair<QREncodeMode, const char*> typed[] = {{QREncodeMode::Numeric, "N"},
-                                                        {QREncodeMode::Kanji, "K"},
-                                                        {static_cast<QREncodeMode>(9), "B"},
-                                                        {QREncodeMode::Alphanumeric, "A"}};
-  for (const auto& [mode, stored] : typed) {
-    qr.SetEncodeMode(mode);
-    EXPECT_EQ(qr.GetEncodeMode(), stored);
-  }
+  qr.SetEncodeMode(static_cast<QREncodeMode>(9));
+  EXPECT_EQ(qr.GetEncodeMode(), "B");
+  qr.SetEncodeMode(QREncodeMode::Alphanumeric);
   barcode_set_string_encoding(handle.get(), "Shift-JIS");
   EXPECT_EQ(qr.GetStringEncoding(), "Shift-JIS");
 
@@ -146,34 +140,18 @@ TEST(QrRaster, ModuleEdgesFromTheBox) {
     int adjust;
     std::vector<PixelProbe> probes;
   };
+  // Each row: box, fit_width, px_adjust_black, then probes of row 0 (or column 0) as x, y, dark.
   const std::vector<Case> cases = {
-      {"whole 4 px modules at the top-left",
-       100,
-       100,
-       false,
-       0,
-       {{0, 0, true}, {27, 0, true}, {28, 0, false}, {83, 0, true}, {84, 0, false}, {0, 27, true}, {0, 84, false}}},
-      {"fit_width: 100/21 px modules, each edge rounded",
-       100,
-       100,
-       true,
-       0,
-       {{32, 0, true}, {33, 0, false}, {99, 0, true}, {99, 32, true}, {99, 33, false}}},
-      {"width and height independent",
-       120,
-       60,
-       false,
-       0,
-       {{34, 0, true}, {35, 0, false}, {0, 13, true}, {0, 14, false}, {104, 0, true}, {105, 0, false}}},
-      {"box below the side: 1 px modules run past it", 10, 10, false, 0, {{6, 0, true}, {7, 0, false}}},
-      {"px_adjust_black -1 leaves a gap after each dark module",
-       100,
-       100,
-       false,
-       -1,
-       {{2, 0, true}, {3, 0, false}, {4, 0, true}, {27, 0, false}}},
-      {"px_adjust_black +1 grows dark modules into the next", 100, 100, false, 1, {{28, 0, true}, {29, 0, false}}},
-      {"px_adjust_black -1 on 1 px modules paints nothing", 10, 10, false, -1, {{0, 0, false}}},
+      {"whole 4 px modules", 100, 100, false, 0, {{27, 0, true}, {28, 0, false}, {83, 0, true}, {84, 0, false}}},
+      {"whole 4 px modules, column 0", 100, 100, false, 0, {{0, 0, true}, {0, 27, true}, {0, 84, false}}},
+      {"fit_width: 100/21 px modules", 100, 100, true, 0, {{32, 0, true}, {33, 0, false}, {99, 0, true}}},
+      {"fit_width, right column", 100, 100, true, 0, {{99, 32, true}, {99, 33, false}}},
+      {"width and height independent", 120, 60, false, 0, {{34, 0, true}, {35, 0, false}, {104, 0, true}}},
+      {"height independent", 120, 60, false, 0, {{105, 0, false}, {0, 13, true}, {0, 14, false}}},
+      {"box below the side: 1 px modules", 10, 10, false, 0, {{6, 0, true}, {7, 0, false}}},
+      {"adjust -1 leaves a gap", 100, 100, false, -1, {{2, 0, true}, {3, 0, false}, {4, 0, true}, {27, 0, false}}},
+      {"adjust +1 grows into the next", 100, 100, false, 1, {{28, 0, true}, {29, 0, false}}},
+      {"adjust -1 on 1 px modules paints nothing", 10, 10, false, -1, {{0, 0, false}}},
   };
   for (const Case& c : cases) {
     Handle handle = QrHandle();

@@ -1,6 +1,8 @@
-// Every standard symbol the library draws must scan: one table, a row per symbology and
-// setting, each drawing many random payloads through the C interface and reading the PNG
-// back with an independent reader (ZXing-cpp).
+// Guards every symbology end to end: one table, a row per symbology and setting, each
+// drawing many random payloads (text through the C interface, binary data through the
+// class) and reading the PNG back with an independent reader (ZXing-cpp). A wrong pattern,
+// check character, codeword, error-correction block, module placement or painted edge
+// shows up here as a symbol that does not scan or scans to other data.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,11 +12,16 @@
 #include <string>
 #include <vector>
 
+#include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "linear/code128.h"
 #include "linear/ean_upc.h"
 #include "support/c_api.h"
 #include "support/zxing_decode.h"
+#include "twod/barcode_base_2d.h"
+#include "twod/datamatrix.h"
+#include "twod/datamatrix_encoder.h"
+#include "twod/pdf417.h"
 
 namespace barcode_orv {
 namespace {
@@ -36,6 +43,11 @@ std::string Printable() {
 
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::string_view kCode39Set = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%";
+const std::string kUpper = "ABCDEFGHIJKLMNOPQRSTUVWXYZ 0123456789";
+const std::string kLower = "abcdefghijklmnopqrstuvwxyz 0123456789.,";
+const std::string kX12 = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 *>\r";
+const std::string kEdifact = "!\"#$%&'()*+,-./0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^";
+const std::string kPunctuation = kEdifact + "`{|}~\t\n";
 
 struct Box {
   int width;
@@ -74,6 +86,9 @@ struct RoundTripRow {
   bool compare_bytes;      // compare the payload bytes instead of the reader's text
   const char* identifier;  // the symbology identifier the reader must report, if any
   Draw draw;
+  int module_pixels = 0;  // matrix and stacked rows: draw at the symbol's own shape, this
+                          // many pixels a module (the box is then ignored)
+  bool binary = false;    // the payload's bytes go through the class's byte entry point
 };
 
 std::function<Box(const std::string&, Rng&, int)> LinearBox(std::function<int(size_t length)> modules) {
@@ -157,6 +172,77 @@ RoundTripRow EanUpcRow(const char* name, int type, internal::EanUpcKind kind, si
             const std::string main = internal::ParseEanUpc(kind, text.substr(0, split)).digits;
             return split == std::string::npos ? main : main + " " + text.substr(split + 1);
           }};
+}
+
+// Payload `index` from generator `index` modulo their count.
+RoundTripRow::Payload Cycle(std::vector<RoundTripRow::Payload> generators) {
+  return [generators](Rng& rng, int i) { return generators[static_cast<size_t>(i) % generators.size()](rng, i); };
+}
+
+RoundTripRow::Payload From(std::string_view alphabet_view, size_t max_length) {
+  std::string alphabet(alphabet_view);
+  return [alphabet, max_length](Rng& rng, int) { return Random(rng, alphabet, 1, max_length); };
+}
+
+// Whole UTF-8 characters, so the text stays valid UTF-8 and converts to Shift_JIS.
+std::string JapaneseText(Rng& rng, int) {
+  static const char* const kWords[] = {
+      "\xE3\x83\x90", "\xE3\x83\xBC", "\xE3\x82\xB3", "\xE3\x83\x89", "\xE6\x97\xA5", "\xE6\x9C\xAC", "A", "1"};
+  std::string text;
+  for (unsigned i = 0, n = 1 + rng() % 40; i < n; ++i) text += kWords[rng() % 8];
+  return text;
+}
+
+std::string MixedText(Rng& rng, int) {
+  static const char* const kPieces[] = {"AB", "12", "ab", ".", "-", "/", " ", "\xC3\xA9", "Data", "MATRIX", "2026"};
+  std::string text;
+  for (unsigned i = 0, n = 1 + rng() % 30; i < n; ++i) text += kPieces[rng() % 11];
+  return text;
+}
+
+std::string RandomBytes(Rng& rng, int) {
+  std::string bytes(1 + rng() % 200, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(rng());
+  return bytes;
+}
+
+std::string ToShiftJis(const std::string& text) {
+  const std::vector<uint8_t> bytes = BarcodeBase2D::ConvertEncoding(text, "utf-8", "shift-jis");
+  return {bytes.begin(), bytes.end()};
+}
+
+// A matrix or stacked row, read back as bytes; `side` 0 draws at the symbol's own shape.
+RoundTripRow TwoDRow(const char* name, int type, int payloads, RoundTripRow::Payload payload, RoundTripRow::Setup setup,
+                     int side = 0, RoundTripRow::Expected expected = nullptr, bool binary = false) {
+  RoundTripRow row(
+      name, type, type == BARCODE_DATAMATRIX ? Symbology::kDataMatrix : Symbology::kPDF417, payloads,
+      std::move(payload), std::move(setup),
+      [side](const std::string&, Rng&, int) {
+        return Box{side, side};
+      },
+      std::move(expected), true, nullptr, barcode_draw_2d_rect);
+  row.module_pixels = side != 0 ? 0 : type == BARCODE_DATAMATRIX ? 4 : 2;
+  row.binary = binary;
+  return row;
+}
+
+RoundTripRow::Setup Dm(std::vector<const char*> schemes, const char* encoding = "utf-8") {
+  return [schemes, encoding](BarcodeHandle* h, int i) {
+    barcode_set_string_encoding(h, encoding);
+    barcode_set_encode_scheme(h, schemes[static_cast<size_t>(i) % schemes.size()]);
+  };
+}
+
+// The symbol's own shape for `bytes` under the handle's settings.
+Box NaturalBox(BarcodeHandle* handle, const std::string& text, int pixels) {
+  const std::vector<uint8_t> bytes(text.begin(), text.end());
+  if (auto* data_matrix = dynamic_cast<DataMatrix*>(handle->object.get())) {
+    const ModuleGrid modules = data_matrix->Encode(bytes).modules;
+    return {pixels * modules.cols(), pixels * modules.rows()};
+  }
+  const auto& pdf417 = dynamic_cast<PDF417&>(*handle->object);
+  const ModuleGrid modules = pdf417.Encode(bytes).modules;
+  return {pixels * modules.cols(), pixels * modules.rows() * pdf417.GetYHeight()};
 }
 
 std::vector<RoundTripRow> Rows() {
@@ -276,6 +362,42 @@ std::vector<RoundTripRow> Rows() {
          return Box{200, 200};
        },
        [kana](const std::string&) { return kana; }, true},
+      // Every scheme, chosen automatically and forced, each on a character set it favours.
+      TwoDRow("DataMatrix automatic", BARCODE_DATAMATRIX, 42,
+              Cycle({From(kDigits, 120), From(kUpper, 120), From(kLower, 120), From(kX12, 120), From(kEdifact, 120),
+                     From(printable, 90), MixedText}),
+              Dm({"AUTO"}), 300),
+      TwoDRow("DataMatrix forced schemes", BARCODE_DATAMATRIX, 36,
+              Cycle({MixedText, MixedText, MixedText, From(kX12, 80), From(kEdifact, 80), MixedText}),
+              Dm({"ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256"}), 300),
+      TwoDRow("DataMatrix Shift_JIS", BARCODE_DATAMATRIX, 10, JapaneseText, Dm({"AUTO"}, "shift-jis"), 300, ToShiftJis),
+      TwoDRow("DataMatrix binary", BARCODE_DATAMATRIX, 20, RandomBytes, Dm({"AUTO", "BASE256"}), 300, nullptr, true),
+      // Every size filled with its largest digit string (two digits a codeword); 144 x 144
+      // reads only with its error-correction blocks interleaved in the rotated order.
+      TwoDRow(
+          "DataMatrix every size full", BARCODE_DATAMATRIX, internal::kDataMatrixSizeCount,
+          [](Rng& rng, int i) {
+            return Random(rng, kDigits, 2 * static_cast<size_t>(internal::kDataMatrixSizes[i].data_codewords),
+                          2 * static_cast<size_t>(internal::kDataMatrixSizes[i].data_codewords));
+          },
+          [](BarcodeHandle* h, int i) { barcode_set_code_size(h, internal::kDataMatrixSizes[i].name); }),
+      TwoDRow("PDF417 automatic", BARCODE_PDF417, 42,
+              Cycle({From(kDigits, 300), From(kUpper, 200), From(kLower, 200), From(kPunctuation, 200),
+                     From(printable, 90), MixedText}),
+              nullptr),
+      TwoDRow(
+          "PDF417 Shift_JIS", BARCODE_PDF417, 10, JapaneseText,
+          [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "shift-jis"); }, 0, ToShiftJis),
+      TwoDRow("PDF417 binary", BARCODE_PDF417, 20, RandomBytes, nullptr, 0, nullptr, true),
+      // Every level, every column count, fixed rows, aspect ratios and row heights.
+      TwoDRow("PDF417 settings", BARCODE_PDF417, 60, Cycle({MixedText, From(kLower, 40), From(kUpper, 60)}),
+              [](BarcodeHandle* h, int i) {
+                barcode_set_error_level(h, i % 3 == 0 ? i / 3 % 9 : -1);
+                if (i % 3 == 1) barcode_set_columns(h, 1 + i / 2);
+                if (i % 3 == 2) barcode_set_rows(h, i == 59 ? 90 : 3 + i);
+                barcode_set_aspect_ratio(h, 0.5 * (1 + i % 10));
+                barcode_set_y_height(h, 3 + i % 4);
+              }),
   };
 }
 
@@ -292,11 +414,17 @@ TEST_P(RoundTripTest, EveryPayloadScans) {
     testing::HandlePtr handle = testing::MakeHandle(row.type);
     ASSERT_NE(handle, nullptr);
     if (row.setup) row.setup(handle.get(), i);
-    const Box box = row.box(text, rng, i);
-    ASSERT_EQ(row.draw(handle.get(), text.c_str(), box.width, box.height), 1)
-        << text << ": " << barcode_get_last_error(handle.get());
-    const testing::Decoded result = testing::DecodeHandle(handle.get(), row.reader);
     const std::string expected = row.expected ? row.expected(text) : text;
+    Box box = row.box(text, rng, i);
+    if (row.module_pixels > 0) box = NaturalBox(handle.get(), expected, row.module_pixels);
+    if (row.binary) {
+      auto& object = dynamic_cast<BarcodeBase2D&>(*handle->object);
+      ASSERT_TRUE(object.Draw(std::vector<uint8_t>(text.begin(), text.end()), 0, 0, box.width, box.height));
+    } else {
+      ASSERT_EQ(row.draw(handle.get(), text.c_str(), box.width, box.height), 1)
+          << text << ": " << barcode_get_last_error(handle.get());
+    }
+    const testing::Decoded result = testing::DecodeHandle(handle.get(), row.reader);
     const std::string& got = row.compare_bytes ? result.bytes : result.text;
     const bool identified = row.identifier == nullptr || result.symbology_identifier == row.identifier;
     EXPECT_TRUE(result.ok && got == expected && identified)

@@ -1,5 +1,6 @@
-// Text to payload bytes for the 2D symbologies: the encoding setting, the iconv
-// conversion, the UTF-8 check and the two Shift_JIS heuristics, and the Draw routing.
+// Guards the text-to-bytes step of the 2D symbologies: every spelling of the encoding
+// setting, the conversions and their all-or-nothing failure, the structural UTF-8 check,
+// the two Shift_JIS heuristics with their kept asymmetries, and the Draw routing.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -34,19 +35,16 @@ TEST(ConvertStringToBytes, EverySpellingOfTheSetting) {
       {"utf-8", kHiraganaAUtf8, kHiraganaAUtf8},
       {"UTF-8", kHiraganaAUtf8, kHiraganaAUtf8},
       {"utf-8", kHiraganaASjis, kHiraganaAUtf8},
-      {"UTF-8", kHiraganaASjis, kHiraganaAUtf8},
       {"UTF-8", kNihonSjis, kNihonUtf8},
       // The Shift_JIS spellings: valid UTF-8 is converted, anything else passes.
       {"shift-jis", kHiraganaAUtf8, kHiraganaASjis},
       {"Shift-JIS", kHiraganaAUtf8, kHiraganaASjis},
       {"shift_jis", kHiraganaAUtf8, kHiraganaASjis},
-      {"shift_jis", kNihonUtf8, kNihonSjis},
       {"shift-jis", kTimesUtf8, kTimesSjis},
       {"Shift-JIS", kHiraganaASjis, kHiraganaASjis},
       {"shift-jis", {'A', 'B', '1'}, {'A', 'B', '1'}},  // ASCII through iconv, unchanged
       // Unrecognised spellings act as UTF-8.
       {"SHIFT_JIS", kHiraganaAUtf8, kHiraganaAUtf8},
-      {"SHIFT_JIS", kHiraganaASjis, kHiraganaAUtf8},
       {"sjis", kHiraganaAUtf8, kHiraganaAUtf8},
       {"utf8", kHiraganaASjis, kHiraganaAUtf8},
       {"", kNihonSjis, kNihonUtf8},
@@ -78,18 +76,14 @@ TEST(IsValidUtf8, StructuralCheckOnly) {
   };
   const std::vector<Case> cases = {
       {{}, true},
-      {{'a', 'b', 'c'}, true},
       {kEAcuteUtf8, true},
-      {kHiraganaAUtf8, true},
       {{0xF0, 0x9F, 0x98, 0x80}, true},
       {{0xC0, 0x80}, true},              // overlong form passes
       {{0xED, 0xA0, 0x80}, true},        // surrogate passes
       {{0xF5, 0x80, 0x80, 0x80}, true},  // beyond U+10FFFF passes
       {{0xE3, 0x81}, false},             // truncated
-      {{0xC3}, false},
-      {{0xC3, 0x41}, false},  // bad continuation
-      {{0x80}, false},        // continuation at a lead position
-      {{0xF8, 0x80, 0x80, 0x80, 0x80}, false},
+      {{0xC3, 0x41}, false},             // bad continuation
+      {{0x80}, false},                   // continuation at a lead position
       {kHiraganaASjis, false},
   };
   for (const Case& c : cases)
@@ -108,14 +102,12 @@ TEST(IsShiftJIS, AsymmetricHeuristic) {
       {kEAcuteUtf8, false},      // a complete two-byte UTF-8 sequence
       {kHiraganaAUtf8, true},    // E3 81 taken as a pair, then a lone 82
       {kHiraganaASjis, true},
-      {{'a', 0x82, 0xA0, 'b'}, true},
       {{0x82, 0xA0, 0xC3, 0xA9}, false},  // a pair, then UTF-8 decides
       {{0xC3}, true},                     // 110xxxxx as the last byte
       {{0xC3, 0x41}, true},               // 110xxxxx without a continuation
       {{0x81}, true},                     // lead byte with no trail
       {{0x81, 0x7F}, true},               // trail out of range
-      {{0xE5, 0x20}, true},
-      {{0xFD, 0x41}, true},  // neither lead nor UTF-8
+      {{0xFD, 0x41}, true},               // neither lead nor UTF-8
   };
   for (const Case& c : cases)
     EXPECT_EQ(BarcodeBase2D::IsShiftJIS(Text(c.text)), c.shift_jis) << ::testing::PrintToString(c.text);
@@ -128,7 +120,6 @@ TEST(DetectEncoding, OnlyTwoByteUtf8CountsAsUtf8) {
   };
   const std::vector<Case> cases = {
       {{}, "utf-8"},
-      {{'a', 'b'}, "utf-8"},
       {kEAcuteUtf8, "utf-8"},
       {kHiraganaAUtf8, "shift-jis"},  // three-byte UTF-8 reads as Shift_JIS
       {kHiraganaASjis, "shift-jis"},
@@ -149,7 +140,6 @@ TEST(DirectConversions, FollowTheHeuristic) {
   };
   const std::vector<Case> cases = {
       {"ConvertToUtf8 of Shift_JIS", BarcodeBase2D::ConvertToUtf8, kHiraganaASjis, kHiraganaAUtf8},
-      {"ConvertToUtf8 of ASCII", BarcodeBase2D::ConvertToUtf8, {'a', 'b'}, {'a', 'b'}},
       {"ConvertToUtf8 of é passes", BarcodeBase2D::ConvertToUtf8, kEAcuteUtf8, kEAcuteUtf8},
       // UTF-8 kana scan as Shift_JIS and then fail as Shift_JIS.
       {"ConvertToUtf8 of UTF-8 kana", BarcodeBase2D::ConvertToUtf8, kHiraganaAUtf8, {}},
