@@ -99,6 +99,11 @@ std::function<Box(const std::string&, Rng&, int)> LinearBox(std::function<int(si
   };
 }
 
+// A fixed box whatever the payload.
+RoundTripRow::BoxFor Fixed(int width, int height) {
+  return [width, height](const std::string&, Rng&, int) { return Box{width, height}; };
+}
+
 void NoText(BarcodeHandle* handle, int /*index*/) { barcode_set_show_text(handle, 0); }
 
 // Code 128 set A writes bytes as their own values, which readers decode differently; the
@@ -318,16 +323,9 @@ std::vector<RoundTripRow> Rows() {
       EanUpcRow("UPC-A", BARCODE_UPCA, internal::EanUpcKind::kUpcA, 11, Symbology::kUPCA),
       EanUpcRow("UPC-E", BARCODE_UPCE, internal::EanUpcKind::kUpcE, 7, Symbology::kUPCE),
       {"GS1-128 element strings, read back with FNC1 as GS", BARCODE_GS1_128, Symbology::kCode128, 60,
-       [](Rng& rng, int) { return RandomElementString(rng); }, NoText,
-       [](const std::string&, Rng&, int) {
-         return Box{700, 80};
-       },
-       ReadElementString, false, "]C1"},
+       [](Rng& rng, int) { return RandomElementString(rng); }, NoText, Fixed(700, 80), ReadElementString, false, "]C1"},
       {"GS1-128 convenience-store payment code", BARCODE_GS1_128, Symbology::kCode128, 10,
-       [](Rng& rng, int) { return "91" + Random(rng, kDigits, 41, 41); }, nullptr,
-       [](const std::string&, Rng&, int) {
-         return Box{600, 100};
-       },
+       [](Rng& rng, int) { return "91" + Random(rng, kDigits, 41, 41); }, nullptr, Fixed(600, 100),
        [](const std::string& text) { return text + Mod10(text); }, false, "]C1", barcode_draw_convenience},
       {"QR Code, random bytes at every level", BARCODE_QR, Symbology::kQRCode, 60,
        [printable](Rng& rng, int) { return Random(rng, printable, 1, 300); },
@@ -346,21 +344,13 @@ std::vector<RoundTripRow> Rows() {
          barcode_set_encode_mode(h, "NUMERIC");
          barcode_set_version(h, i % 2 == 0 ? 0 : 20);
        },
-       [](const std::string&, Rng&, int) {
-         return Box{400, 400};
-       }},
+       Fixed(400, 400)},
       {"QR Code, UTF-8 text carried as Shift_JIS", BARCODE_QR, Symbology::kQRCode, 1,
        [kana](Rng&, int) { return kana; }, [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "shift_jis"); },
-       [](const std::string&, Rng&, int) {
-         return Box{200, 200};
-       },
-       [kana_sjis](const std::string&) { return kana_sjis; }, true},
+       Fixed(200, 200), [kana_sjis](const std::string&) { return kana_sjis; }, true},
       {"QR Code, Shift_JIS text carried as UTF-8", BARCODE_QR, Symbology::kQRCode, 1,
        [kana_sjis](Rng&, int) { return kana_sjis; },
-       [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "UTF-8"); },
-       [](const std::string&, Rng&, int) {
-         return Box{200, 200};
-       },
+       [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "UTF-8"); }, Fixed(200, 200),
        [kana](const std::string&) { return kana; }, true},
       // Every scheme, chosen automatically and forced, each on a character set it favours.
       TwoDRow("DataMatrix automatic", BARCODE_DATAMATRIX, 42,

@@ -96,18 +96,15 @@ TEST(IsShiftJIS, AsymmetricHeuristic) {
     bool shift_jis;
   };
   const std::vector<Case> cases = {
-      {{}, false},
-      {{'a', 'b', 'c'}, false},  // ASCII alone finds no pair
-      {{0xA5}, true},            // half-width katakana
-      {kEAcuteUtf8, false},      // a complete two-byte UTF-8 sequence
-      {kHiraganaAUtf8, true},    // E3 81 taken as a pair, then a lone 82
-      {kHiraganaASjis, true},
-      {{0x82, 0xA0, 0xC3, 0xA9}, false},  // a pair, then UTF-8 decides
-      {{0xC3}, true},                     // 110xxxxx as the last byte
-      {{0xC3, 0x41}, true},               // 110xxxxx without a continuation
-      {{0x81}, true},                     // lead byte with no trail
-      {{0x81, 0x7F}, true},               // trail out of range
-      {{0xFD, 0x41}, true},               // neither lead nor UTF-8
+      {{'a', 'b', 'c'}, false},                                     // ASCII alone finds no pair
+      {{0xA5}, true},                                               // half-width katakana
+      {kEAcuteUtf8, false},                                         // a complete two-byte UTF-8 sequence
+      {kHiraganaAUtf8, true},                                       // E3 81 taken as a pair, then a lone 82
+      {kHiraganaASjis, true},   {{0x82, 0xA0, 0xC3, 0xA9}, false},  // a pair, then UTF-8 decides
+      {{0xC3}, true},                                               // 110xxxxx as the last byte
+      {{0xC3, 0x41}, true},                                         // 110xxxxx without a continuation
+      {{0x81}, true},                                               // lead byte with no trail
+      {{0x81, 0x7F}, true},                                         // trail out of range
   };
   for (const Case& c : cases)
     EXPECT_EQ(BarcodeBase2D::IsShiftJIS(Text(c.text)), c.shift_jis) << ::testing::PrintToString(c.text);
