@@ -69,63 +69,42 @@ TEST(ConvertEncoding, UnknownCodeGivesEmpty) {
   EXPECT_EQ(BarcodeBase2D::ConvertEncoding(Text(kNihonSjis), "shift-jis", "utf-8"), kNihonUtf8);
 }
 
-TEST(IsValidUtf8, StructuralCheckOnly) {
+// The structural UTF-8 check (overlong forms, surrogates and code points past U+10FFFF
+// pass), the Shift_JIS heuristic (any unpaired 110xxxxx or lead byte says Shift_JIS) and the
+// detection (only a two-byte UTF-8 sequence first counts as UTF-8); -1 or null: not asserted.
+TEST(EncodingHeuristics, KeptAsymmetries) {
   struct Case {
     Bytes text;
-    bool valid;
+    int utf8;
+    int shift_jis;
+    const char* detected;
   };
   const std::vector<Case> cases = {
-      {{}, true},
-      {kEAcuteUtf8, true},
-      {{0xF0, 0x9F, 0x98, 0x80}, true},
-      {{0xC0, 0x80}, true},              // overlong form passes
-      {{0xED, 0xA0, 0x80}, true},        // surrogate passes
-      {{0xF5, 0x80, 0x80, 0x80}, true},  // beyond U+10FFFF passes
-      {{0xE3, 0x81}, false},             // truncated
-      {{0xC3, 0x41}, false},             // bad continuation
-      {{0x80}, false},                   // continuation at a lead position
-      {kHiraganaASjis, false},
+      {{}, 1, 0, "utf-8"},
+      {{'a', 'b', 'c'}, 1, 0, nullptr},
+      {kEAcuteUtf8, 1, 0, "utf-8"},
+      {kHiraganaAUtf8, 1, 1, "shift-jis"},  // E3 81 taken as a pair, then a lone 82
+      {kHiraganaASjis, 0, 1, "shift-jis"},
+      {{0xF0, 0x9F, 0x98, 0x80}, 1, -1, nullptr},
+      {{0xED, 0xA0, 0x80}, 1, -1, nullptr},
+      {{0xF5, 0x80, 0x80, 0x80}, 1, -1, nullptr},
+      {{0xE3, 0x81}, 0, -1, nullptr},                          // truncated
+      {{0xC3, 0x41}, 0, 1, nullptr},                           // 110xxxxx without a continuation
+      {{0x80}, 0, -1, nullptr},                                // continuation at a lead position
+      {{0xC3}, -1, 1, "shift-jis"},                            // 110xxxxx as the last byte
+      {{0xA5}, -1, 1, nullptr},                                // half-width katakana
+      {{0x81, 0x7F}, -1, 1, nullptr},                          // trail out of range
+      {{0x82, 0xA0, 0xC3, 0xA9}, -1, 0, nullptr},              // a pair, then UTF-8 decides
+      {{'x', 0xC3, 0xA9, 0xE3, 0x81, 0x82}, -1, -1, "utf-8"},  // the first non-ASCII byte decides
+      {{0xE3, 0x81, 0x82, 0xC3, 0xA9}, -1, -1, "shift-jis"},
   };
-  for (const Case& c : cases)
-    EXPECT_EQ(BarcodeBase2D::IsValidUtf8(Text(c.text)), c.valid) << ::testing::PrintToString(c.text);
-}
-
-TEST(IsShiftJIS, AsymmetricHeuristic) {
-  struct Case {
-    Bytes text;
-    bool shift_jis;
-  };
-  const std::vector<Case> cases = {
-      {{'a', 'b', 'c'}, false},                                     // ASCII alone finds no pair
-      {{0xA5}, true},                                               // half-width katakana
-      {kEAcuteUtf8, false},                                         // a complete two-byte UTF-8 sequence
-      {kHiraganaAUtf8, true},                                       // E3 81 taken as a pair, then a lone 82
-      {kHiraganaASjis, true},   {{0x82, 0xA0, 0xC3, 0xA9}, false},  // a pair, then UTF-8 decides
-      {{0xC3}, true},                                               // 110xxxxx as the last byte
-      {{0xC3, 0x41}, true},                                         // 110xxxxx without a continuation
-      {{0x81}, true},                                               // lead byte with no trail
-      {{0x81, 0x7F}, true},                                         // trail out of range
-  };
-  for (const Case& c : cases)
-    EXPECT_EQ(BarcodeBase2D::IsShiftJIS(Text(c.text)), c.shift_jis) << ::testing::PrintToString(c.text);
-}
-
-TEST(DetectEncoding, OnlyTwoByteUtf8CountsAsUtf8) {
-  struct Case {
-    Bytes text;
-    const char* encoding;
-  };
-  const std::vector<Case> cases = {
-      {{}, "utf-8"},
-      {kEAcuteUtf8, "utf-8"},
-      {kHiraganaAUtf8, "shift-jis"},  // three-byte UTF-8 reads as Shift_JIS
-      {kHiraganaASjis, "shift-jis"},
-      {{0xC3}, "shift-jis"},
-      {{'x', 0xC3, 0xA9, 0xE3, 0x81, 0x82}, "utf-8"},  // only the first non-ASCII byte decides
-      {{0xE3, 0x81, 0x82, 0xC3, 0xA9}, "shift-jis"},
-  };
-  for (const Case& c : cases)
-    EXPECT_EQ(BarcodeBase2D::DetectEncoding(Text(c.text)), c.encoding) << ::testing::PrintToString(c.text);
+  for (const Case& c : cases) {
+    const std::string text = Text(c.text);
+    const std::string shown = ::testing::PrintToString(c.text);
+    EXPECT_TRUE(c.utf8 < 0 || BarcodeBase2D::IsValidUtf8(text) == (c.utf8 == 1)) << "UTF-8 check of " << shown;
+    EXPECT_TRUE(c.shift_jis < 0 || BarcodeBase2D::IsShiftJIS(text) == (c.shift_jis == 1)) << "heuristic of " << shown;
+    EXPECT_TRUE(c.detected == nullptr || BarcodeBase2D::DetectEncoding(text) == c.detected) << "detection of " << shown;
+  }
 }
 
 TEST(DirectConversions, FollowTheHeuristic) {
