@@ -89,36 +89,23 @@ TEST(Code128Auto, VeryLongTextsEncodeWithoutRecursion) {
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(10));
 }
 
-struct Handle {
-  Handle() : h(barcode_create(BARCODE_CODE128)) {}
-  ~Handle() { barcode_destroy(h); }
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-  CodeSet128 Mode() const { return dynamic_cast<Code128&>(*h->object).GetCodeMode(); }
-  BarcodeHandle* h;
-};
-
-TEST(Code128CInterface, CodeModeKeywordsAndErrorLines) {
-  Handle handle;
-  ASSERT_NE(handle.h, nullptr);
-  EXPECT_EQ(handle.Mode(), kAuto);
+TEST(Code128CInterface, CodeModeKeywords) {
+  testing::HandlePtr handle = testing::MakeHandle(BARCODE_CODE128);
+  const Code128& object = dynamic_cast<Code128&>(*handle->object);
+  EXPECT_EQ(object.GetCodeMode(), kAuto);
   const std::pair<const char*, CodeSet128> steps[] = {
       {"A", kA}, {"B", kB}, {"auto", kB}, {"C", kC}, {"AUTO", kAuto}, {"b", kAuto},
   };
   for (const auto& [keyword, mode] : steps) {
-    barcode_set_code_mode(handle.h, keyword);
-    EXPECT_EQ(handle.Mode(), mode) << (keyword ? keyword : "null");
+    barcode_set_code_mode(handle.get(), keyword);
+    EXPECT_EQ(object.GetCodeMode(), mode) << keyword;
   }
-  barcode_set_code_mode(nullptr, "A");
-  BarcodeHandle* code39 = barcode_create(BARCODE_CODE39);
-  barcode_set_code_mode(code39, "C");  // not a Code 128 handle: ignored
-  EXPECT_EQ(barcode_draw_1d(code39, "AB", 300, 60), 1);
-  barcode_destroy(code39);
-
-  barcode_set_code_mode(handle.h, "C");
-  barcode_set_output_format(handle.h, "svg");
-  EXPECT_EQ(barcode_draw_1d(handle.h, "12a4", 300, 60), 0);
-  EXPECT_EQ(barcode_draw_1d(handle.h, "1234", 300, 60), 1);  // the object draws again
+  testing::HandlePtr code39 = testing::MakeHandle(BARCODE_CODE39);
+  barcode_set_code_mode(code39.get(), "C");  // not a Code 128 handle: ignored
+  EXPECT_EQ(barcode_draw_1d(code39.get(), "AB", 300, 60), 1);
+  barcode_set_code_mode(handle.get(), "C");
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "12a4", 300, 60), 0);
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "1234", 300, 60), 1);  // the object draws again
 }
 
 }  // namespace

