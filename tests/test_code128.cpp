@@ -3,7 +3,6 @@
 // without recursion, and the code-mode keywords of the C interface.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <random>
 #include <stdexcept>

@@ -4,6 +4,7 @@
 // two text lines, and the fit-width default.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <regex>
 #include <stdexcept>
 #include <string>
@@ -39,34 +40,25 @@ TEST(Gs1ElementString, ValidAndCompletedData) {
 }
 
 TEST(Gs1ElementString, CheckPairsOfThePublishedVectors) {
-  const std::pair<const char*, const char*> vectors[] = {
-      {"!", "22"},
-      {"!!", "22"},
-      {"1987654Ad4X4bL5ttr2310c", "2K"},
-      {"12345678901234567890123", "NT"},
-      {"12345_ABCDEFGHIJKLM", "CP"},
-      {"12345_NOPQRSTUVWXYZ", "DN"},
-      {"12345_0123456789:;<=>?", "62"},
-      {"7907665Bm8v2", "AB"},
-  };
+  const std::pair<const char*, const char*> vectors[] = {{"!", "22"},
+                                                         {"!!", "22"},
+                                                         {"1987654Ad4X4bL5ttr2310c", "2K"},
+                                                         {"12345678901234567890123", "NT"},
+                                                         {"12345_ABCDEFGHIJKLM", "CP"},
+                                                         {"12345_NOPQRSTUVWXYZ", "DN"},
+                                                         {"12345_0123456789:;<=>?", "62"},
+                                                         {"7907665Bm8v2", "AB"}};
   for (const auto& [data, pair] : vectors) EXPECT_EQ(internal::Gs1CheckPair(data), pair) << data;
 }
 
 TEST(Gs1ElementString, SeparatorAfterVariableLengthFieldsThatAreNotLast) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"(01)04912345678904(10)AB", "010491234567890410AB"},
-      {"(10)AB(01)04912345678904",
-       "10AB\x1D"
-       "0104912345678904"},
-      {"(10)AB(21)X(17)251231",
-       "10AB\x1D"
-       "21X\x1D"
-       "17251231"},
-      {"(4321)1(10)A",
-       "43211\x1D"
-       "10A"},  // fixed length but not predefined: FNC1 too
-  };
-  for (const auto& [text, data] : cases) {
+  // '|' stands for the separator (FNC1, read as GS); (4321) is fixed length but not predefined.
+  const std::pair<const char*, std::string> cases[] = {{"(01)04912345678904(10)AB", "010491234567890410AB"},
+                                                       {"(10)AB(01)04912345678904", "10AB|0104912345678904"},
+                                                       {"(10)AB(21)X(17)251231", "10AB|21X|17251231"},
+                                                       {"(4321)1(10)A", "43211|10A"}};
+  for (auto [text, data] : cases) {
+    std::replace(data.begin(), data.end(), '|', '\x1D');
     EXPECT_EQ(internal::Gs1Concatenated(internal::ParseGs1ElementString(text)), data) << text;
   }
 }

@@ -4,7 +4,6 @@
 // of the text, the guard and add-on rows, and the font search order.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 #include "linear/font_library.h"

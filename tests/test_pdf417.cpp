@@ -82,7 +82,7 @@ TEST(Pdf417Encoder, LevelsAndCapacity) {
     EXPECT_EQ(symbol.codewords.size(), static_cast<size_t>(symbol.columns * symbol.rows));
   }
   // Recommended levels by data length, and the automatic one lowered to fit.
-  const std::pair<int, int> recommended[] = {{1, 2}, {40, 2}, {41, 3}, {160, 3}, {161, 4}, {321, 5}, {900, 3}};
+  const std::pair<int, int> recommended[] = {{40, 2}, {41, 3}, {160, 3}, {161, 4}, {321, 5}, {900, 3}};
   for (const auto& [data, level] : recommended) EXPECT_EQ(internal_pdf417::RecommendedLevel(data), level) << data;
   Settings level0;
   level0.level = 0;

@@ -5,7 +5,6 @@
 
 #include <regex>
 #include <string>
-#include <vector>
 
 #include "barcode_ffi.h"
 #include "linear/yubin_customer.h"
