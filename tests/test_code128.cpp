@@ -60,14 +60,8 @@ TEST(Code128Values, HandWorkedSymbols) {
     EXPECT_EQ(internal::Code128Values(c.text, c.mode), c.values) << c.text;
   }
   // Start B, "A", "B", check 102, stop with termination bar.
-  const std::string ab =
-      "211214"
-      "111323"
-      "131123"
-      "411131"
-      "2331112";
-  Values ab_widths;
-  for (char d : ab) ab_widths.push_back(d - '0');
+  const Values ab_widths = {2, 1, 1, 2, 1, 4, 1, 1, 1, 3, 2, 3, 1, 3, 1, 1,
+                            2, 3, 4, 1, 1, 1, 3, 1, 2, 3, 3, 1, 1, 1, 2};
   EXPECT_EQ(internal::EncodeSingleSet("AB", kB), ab_widths);
   EXPECT_EQ(internal::EncodeAuto("abc"), internal::EncodeSingleSet("abc", kB));
 }

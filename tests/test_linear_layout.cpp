@@ -12,14 +12,12 @@
 namespace barcode_orv {
 namespace {
 
-struct TextHeightCase {
-  int height;
-  float scale;
-  int expected;
-};
-
 TEST(LinearLayoutTest, TextHeightFollowsBoxHeightBands) {
-  const TextHeightCase cases[] = {
+  const struct {
+    int height;
+    float scale;
+    int expected;
+  } cases[] = {
       {20, 1.0F, 8}, {49, 1.0F, 12}, {50, 1.0F, 10}, {200, 1.0F, 40}, {201, 1.0F, 30}, {100, 2.0F, 40},
   };
   for (const auto& c : cases) {
@@ -34,26 +32,21 @@ TEST(LinearLayoutTest, AbsurdScalesSaturateInsteadOfOverflowing) {
   EXPECT_EQ(BarHeightFor(100, true, std::numeric_limits<float>::infinity(), 1.0F, 1), 1.0F);
 }
 
-struct BarHeightCase {
-  int height;
-  bool show_text;
-  float font_scale;
-  float gap_scale;
-  int lines;
-  float expected;
-};
-
 TEST(LinearLayoutTest, BarHeightLeavesRoomForText) {
-  const BarHeightCase cases[] = {
-      {40, true, 1.0F, 1.0F, 1, 28.0F},    // T 10, G max(1, 2) = 2
-      {300, true, 1.0F, 1.0F, 1, 234.0F},  // T 45, G 21
-      {100, true, 1.0F, 1.0F, 2, 15.0F},   // two lines reserve four text heights
-      {10, true, 1.0F, 1.0F, 1, 1.0F},     // clamped to one pixel
-      {100, true, 1.0F, 3.0F, 1, 65.0F},   // G 15
+  const struct {
+    int height;
+    float gap_scale;
+    int lines;
+    float expected;
+  } cases[] = {
+      {40, 1.0F, 1, 28.0F},    // T 10, G max(1, 2) = 2
+      {300, 1.0F, 1, 234.0F},  // T 45, G 21
+      {100, 1.0F, 2, 15.0F},   // two lines reserve four text heights
+      {10, 1.0F, 1, 1.0F},     // clamped to one pixel
+      {100, 3.0F, 1, 65.0F},   // G 15
   };
   for (const auto& c : cases) {
-    EXPECT_FLOAT_EQ(BarHeightFor(c.height, c.show_text, c.font_scale, c.gap_scale, c.lines), c.expected)
-        << "height " << c.height;
+    EXPECT_FLOAT_EQ(BarHeightFor(c.height, true, 1.0F, c.gap_scale, c.lines), c.expected) << "height " << c.height;
   }
 }
 
@@ -87,16 +80,14 @@ TEST(LinearLayoutTest, BarsAdvanceByAdjustedWidths) {
   EXPECT_EQ(tiny.drawn_width, 3);
 }
 
-struct SpacingCase {
-  int width;
-  int height;
-  size_t chars;
-  int pitch;
-  int first_center;
-};
-
 TEST(LinearLayoutTest, EvenSpacingCentresTheRunOnTheBars) {
-  const SpacingCase cases[] = {
+  const struct {
+    int width;
+    int height;
+    size_t chars;
+    int pitch;
+    int first_center;
+  } cases[] = {
       {150, 100, 13, 11, 9},    // margin 7, usable 136
       {188, 80, 3, 85, 9},      // margin 9, usable 170
       {300, 100, 1, 270, 150},  // one character: centred

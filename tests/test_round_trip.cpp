@@ -189,21 +189,18 @@ RoundTripRow::Payload From(std::string_view alphabet_view, size_t max_length) {
   return [alphabet, max_length](Rng& rng, int) { return Random(rng, alphabet, 1, max_length); };
 }
 
-// Whole UTF-8 characters, so the text stays valid UTF-8 and converts to Shift_JIS.
-std::string JapaneseText(Rng& rng, int) {
-  static const char* const kWords[] = {
-      "\xE3\x83\x90", "\xE3\x83\xBC", "\xE3\x82\xB3", "\xE3\x83\x89", "\xE6\x97\xA5", "\xE6\x9C\xAC", "A", "1"};
-  std::string text;
-  for (unsigned i = 0, n = 1 + rng() % 40; i < n; ++i) text += kWords[rng() % 8];
-  return text;
+// One to `max_count` pieces; whole UTF-8 characters keep the text valid (and Shift_JIS-able).
+RoundTripRow::Payload Pieces(std::vector<std::string> pieces, unsigned max_count) {
+  return [pieces, max_count](Rng& rng, int) {
+    std::string text;
+    for (unsigned i = 0, n = 1 + rng() % max_count; i < n; ++i) text += pieces[rng() % pieces.size()];
+    return text;
+  };
 }
-
-std::string MixedText(Rng& rng, int) {
-  static const char* const kPieces[] = {"AB", "12", "ab", ".", "-", "/", " ", "\xC3\xA9", "Data", "MATRIX", "2026"};
-  std::string text;
-  for (unsigned i = 0, n = 1 + rng() % 30; i < n; ++i) text += kPieces[rng() % 11];
-  return text;
-}
+const RoundTripRow::Payload JapaneseText = Pieces(
+    {"\xE3\x83\x90", "\xE3\x83\xBC", "\xE3\x82\xB3", "\xE3\x83\x89", "\xE6\x97\xA5", "\xE6\x9C\xAC", "A", "1"}, 40);
+const RoundTripRow::Payload MixedText =
+    Pieces({"AB", "12", "ab", ".", "-", "/", " ", "\xC3\xA9", "Data", "MATRIX", "2026"}, 30);
 
 std::string RandomBytes(Rng& rng, int) {
   std::string bytes(1 + rng() % 200, '\0');
