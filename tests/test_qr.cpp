@@ -3,6 +3,7 @@
 // edges painted in PNG and SVG for whole, fitted and adjusted modules.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -88,12 +89,6 @@ TEST(QrCInterface, CapacityErrorLeavesEveryDrawFunction) {
 // Row 0 of any QR Code: modules 0-6 dark (finder), 7 light (separator), ..., and the
 // top-right finder's modules side-7 .. side-1 dark. "HELLO" is version 1 (21 modules).
 
-struct PixelProbe {
-  int x;
-  int y;
-  bool dark;
-};
-
 TEST(QrRaster, ModuleEdgesFromTheBox) {
   struct Case {
     const char* name;
@@ -101,19 +96,22 @@ TEST(QrRaster, ModuleEdgesFromTheBox) {
     int height;
     bool fit;
     int adjust;
-    std::vector<PixelProbe> probes;
+    std::vector<std::array<int, 3>> probes;  // x, y, dark
   };
   // Each row: box, fit_width, px_adjust_black, then probes of row 0 (or column 0) as x, y, dark.
   const std::vector<Case> cases = {
-      {"whole 4 px modules", 100, 100, false, 0, {{27, 0, true}, {28, 0, false}, {84, 0, false}, {0, 84, false}}},
-      {"fit_width: 100/21 px modules", 100, 100, true, 0, {{32, 0, true}, {33, 0, false}, {99, 0, true}}},
-      {"fit_width, right column", 100, 100, true, 0, {{99, 32, true}, {99, 33, false}}},
-      {"width and height independent", 120, 60, false, 0, {{34, 0, true}, {35, 0, false}, {104, 0, true}}},
-      {"height independent", 120, 60, false, 0, {{105, 0, false}, {0, 13, true}, {0, 14, false}}},
-      {"box below the side: 1 px modules", 10, 10, false, 0, {{6, 0, true}, {7, 0, false}}},
-      {"adjust -1 leaves a gap", 100, 100, false, -1, {{2, 0, true}, {3, 0, false}, {4, 0, true}, {27, 0, false}}},
-      {"adjust +1 grows into the next", 100, 100, false, 1, {{28, 0, true}, {29, 0, false}}},
-      {"adjust -1 on 1 px modules paints nothing", 10, 10, false, -1, {{0, 0, false}}},
+      {"whole 4 px modules", 100, 100, false, 0, {{27, 0, 1}, {28, 0, 0}, {84, 0, 0}, {0, 84, 0}}},
+      {"fit_width: 100/21 px", 100, 100, true, 0, {{32, 0, 1}, {33, 0, 0}, {99, 0, 1}, {99, 32, 1}, {99, 33, 0}}},
+      {"width, height apart",
+       120,
+       60,
+       false,
+       0,
+       {{34, 0, 1}, {35, 0, 0}, {104, 0, 1}, {105, 0, 0}, {0, 13, 1}, {0, 14, 0}}},
+      {"box below the side: 1 px modules", 10, 10, false, 0, {{6, 0, 1}, {7, 0, 0}}},
+      {"adjust -1 leaves a gap", 100, 100, false, -1, {{2, 0, 1}, {3, 0, 0}, {4, 0, 1}, {27, 0, 0}}},
+      {"adjust +1 grows into the next", 100, 100, false, 1, {{28, 0, 1}, {29, 0, 0}}},
+      {"adjust -1 on 1 px modules paints nothing", 10, 10, false, -1, {{0, 0, 0}}},
   };
   for (const Case& c : cases) {
     Handle handle = QrHandle();
@@ -124,8 +122,8 @@ TEST(QrRaster, ModuleEdgesFromTheBox) {
     ASSERT_EQ(barcode_draw_2d_rect(handle.get(), "HELLO", c.width, c.height), 1) << c.name;
     const RgbaImage drawn = testing::DecodePng(Png(handle.get()));
     ASSERT_TRUE(drawn.width == c.width && drawn.height == c.height) << c.name;
-    for (const PixelProbe& p : c.probes) {
-      EXPECT_EQ(drawn.Pixel(p.x, p.y), p.dark ? 0xC8140AFFU : 0x0A1EDCFFU) << c.name << " at " << p.x << "," << p.y;
+    for (const auto& [x, y, dark] : c.probes) {
+      EXPECT_EQ(drawn.Pixel(x, y), dark != 0 ? 0xC8140AFFU : 0x0A1EDCFFU) << c.name << " at " << x << "," << y;
     }
   }
 }

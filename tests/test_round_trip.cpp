@@ -216,13 +216,9 @@ std::string ToShiftJis(const std::string& text) {
 // A matrix or stacked row, read back as bytes; `side` 0 draws at the symbol's own shape.
 RoundTripRow TwoDRow(const char* name, int type, int payloads, RoundTripRow::Payload payload, RoundTripRow::Setup setup,
                      int side = 0, RoundTripRow::Expected expected = nullptr, bool binary = false) {
-  RoundTripRow row(
-      name, type, type == BARCODE_DATAMATRIX ? Symbology::kDataMatrix : Symbology::kPDF417, payloads,
-      std::move(payload), std::move(setup),
-      [side](const std::string&, Rng&, int) {
-        return Box{side, side};
-      },
-      std::move(expected), true, nullptr, barcode_draw_2d_rect);
+  RoundTripRow row(name, type, type == BARCODE_DATAMATRIX ? Symbology::kDataMatrix : Symbology::kPDF417, payloads,
+                   std::move(payload), std::move(setup), Fixed(side, side), std::move(expected), true, nullptr,
+                   barcode_draw_2d_rect);
   row.module_pixels = side != 0 ? 0 : type == BARCODE_DATAMATRIX ? 4 : 2;
   row.binary = binary;
   return row;
