@@ -46,10 +46,7 @@ TEST(Code128Values, HandWorkedSymbols) {
       {"a12b", kAuto, {104, 65, 17, 18, 66, 6, 106}},  // two digits do not pay for a latch
       {"7", kAuto, {103, 55, 55, 106}},
       {"12ab", kAuto, {105, 12, 100, 65, 66, 55, 106}},  // C and B starts tie: C
-      {"\x01"
-       "a",
-       kAuto,
-       {103, 1, 100, 65, 87, 106}},  // a control byte needs A, then latch B
+      {"\x01\x61", kAuto, {103, 1, 100, 65, 87, 106}},   // a control byte needs A, then latch B "a"
       {"AB", kB, {104, 33, 34, 102, 106}},
       {"~ ", kB, {104, 94, 0, 95, 106}},
       {"0099", kC, {105, 0, 99, 97, 106}},

@@ -23,10 +23,6 @@ using internal::kDataMatrixSizes;
 
 std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
 
-std::vector<uint8_t> Stream(const std::string& text, Encodation scheme, int capacity) {
-  return DataMatrixEncodation(Bytes(text), scheme).Codewords(capacity);
-}
-
 // Each row worked out by hand from the encodation rules; the capacity is the symbol's,
 // which decides how each stream may end.
 TEST(DataMatrixEncodation, HandDerivedStreams) {
@@ -58,7 +54,7 @@ TEST(DataMatrixEncodation, HandDerivedStreams) {
       {"Base 256", "\xAB", Encodation::kBase256, 3, {231, 45, 108}},
   };
   for (const Row& row : rows) {
-    EXPECT_EQ(Stream(row.text, row.scheme, row.capacity), row.expected) << row.what;
+    EXPECT_EQ(DataMatrixEncodation(Bytes(row.text), row.scheme).Codewords(row.capacity), row.expected) << row.what;
   }
 }
 

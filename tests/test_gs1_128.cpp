@@ -98,19 +98,15 @@ TEST(Gs1128Convenience, CheckDigitFieldsAndTwoLines) {
   barcode_set_output_format(handle.get(), "svg");
   ASSERT_EQ(barcode_draw_convenience(handle.get(), body.c_str(), 600, 240), 1);
   const std::string svg = barcode_get_svg(handle.get());
-  std::vector<float> tops;
-  std::string text;
+  std::string lines;  // "|top:text" for each line of glyphs
+  std::string top;
   const std::regex glyph("<text x=\"[-0-9.]+\" y=\"([-0-9.]+)\"[^>]*>([^<]*)</text>");
   for (std::sregex_iterator it(svg.begin(), svg.end(), glyph), end; it != end; ++it) {
-    if (tops.empty() || tops.back() != std::stof((*it)[1])) {
-      tops.push_back(std::stof((*it)[1]));
-      text += "|";
-    }
-    text += (*it)[2];
+    if ((*it)[1] != top) lines += "|" + (top = (*it)[1]) + ":";
+    lines += (*it)[2];
   }
-  EXPECT_EQ(text, "|" + first + "|" + second);
   // Height 240: T 36, G 16, bars 240 - 16 - 4 x 36 = 80; lines at 80 + 16 + 24 and + 36 + 24.
-  EXPECT_EQ(tops, (std::vector<float>{120, 180}));
+  EXPECT_EQ(lines, "|120.00:" + first + "|180.00:" + second);
   EXPECT_NE(svg.find("height=\"80.00\""), std::string::npos);
 }
 

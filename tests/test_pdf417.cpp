@@ -37,11 +37,8 @@ TEST(Pdf417Compaction, HandDerivedAndPublishedStreams) {
       // 0x808182FDFEFF as a 48-bit number in base 900.
       {"byte, six at a time", "\x80\x81\x82\xFD\xFE\xFF", {924, 215, 318, 512, 111, 579}},
       {"byte, one left over", "\x80\x81\x82\xFD\xFE\xFF\x41", {901, 215, 318, 512, 111, 579, 65}},
-      {"byte shift inside text",
-       "AB\xE9"
-       "CD",
-       {1, 913, 233, 63}},
-      {"text, punctuation shift", "A@", {29, 119}},  // A PS @ PS
+      {"byte shift inside text", "AB\xE9\x43\x44", {1, 913, 233, 63}},  // AB, 0xE9, CD
+      {"text, punctuation shift", "A@", {29, 119}},                     // A PS @ PS
   };
   for (const Row& row : rows) EXPECT_EQ(CompactData(Bytes(row.text)), row.expected) << row.what;
 }
