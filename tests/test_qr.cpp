@@ -101,7 +101,8 @@ TEST(QrRaster, ModuleEdgesFromTheBox) {
   // Each row: box, fit_width, px_adjust_black, then probes of row 0 (or column 0) as x, y, dark.
   const std::vector<Case> cases = {
       {"whole 4 px modules", 100, 100, false, 0, {{27, 0, 1}, {28, 0, 0}, {84, 0, 0}, {0, 84, 0}}},
-      {"fit_width: 100/21 px", 100, 100, true, 0, {{32, 0, 1}, {33, 0, 0}, {99, 0, 1}, {99, 32, 1}, {99, 33, 0}}},
+      // Edge 14 is at 66.67 px: rounded to 67, so pixel 66 still belongs to light module 13.
+      {"fit_width: 100/21 px", 100, 100, true, 0, {{33, 0, 0}, {66, 0, 0}, {67, 0, 1}, {99, 0, 1}, {99, 33, 0}}},
       {"width, height apart",
        120,
        60,

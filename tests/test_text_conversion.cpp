@@ -86,7 +86,7 @@ TEST(EncodingHeuristics, KeptAsymmetries) {
       {{0x80}, 0, -1, nullptr},                                // continuation at a lead position
       {{0xC3}, -1, 1, "shift-jis"},                            // 110xxxxx as the last byte
       {{0xA5}, -1, 1, nullptr},                                // half-width katakana
-      {{0x81, 0x7F}, -1, 1, nullptr},                          // trail out of range
+      {{0x81, 0x7F, 0xC3, 0xA9}, -1, 1, nullptr},              // trail out of range: the walk stops there, not at é
       {{0x82, 0xA0, 0xC3, 0xA9}, -1, 0, nullptr},              // a pair, then UTF-8 decides
       {{'x', 0xC3, 0xA9, 0xE3, 0x81, 0x82}, -1, -1, "utf-8"},  // the first non-ASCII byte decides
       {{0xE3, 0x81, 0x82, 0xC3, 0xA9}, -1, -1, "shift-jis"},
