@@ -1,6 +1,6 @@
-// Japan Post customer barcode: check characters of Japan Post's published addresses, bar
-// sequences worked out by hand (there is no reader to decode them), the library's kept quirks
-// and the geometry that follows from the bar height.
+// Guards the Japan Post customer barcode: check characters of published addresses, bar
+// sequences worked out by hand (no reader decodes them), the kept quirks (letters, the cut
+// at twenty positions) and the geometry that follows from the bar height.
 #include <gtest/gtest.h>
 
 #include <regex>
