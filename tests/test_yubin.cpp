@@ -1,11 +1,10 @@
-// Japan Post customer barcode: check characters of Japan Post's published addresses, bar
-// sequences worked out by hand (there is no reader to decode them), the library's kept quirks
-// and the geometry that follows from the bar height.
+// Guards the Japan Post customer barcode: check characters of published addresses, bar
+// sequences worked out by hand (no reader decodes them), the kept quirks (letters, the cut
+// at twenty positions) and the geometry that follows from the bar height.
 #include <gtest/gtest.h>
 
 #include <regex>
 #include <string>
-#include <vector>
 
 #include "barcode_ffi.h"
 #include "linear/yubin_customer.h"
@@ -14,12 +13,6 @@
 
 namespace barcode_orv {
 namespace {
-
-std::string Join(std::initializer_list<std::string> pieces) {
-  std::string out;
-  for (const std::string& piece : pieces) out += piece;
-  return out;
-}
 
 std::string Repeat(const std::string& piece, int times) {
   std::string out;
@@ -42,17 +35,17 @@ TEST(YubinBars, SequencesWorkedOutByHand) {
   const std::string cc1 = "324", cc4 = "432";
   const std::pair<std::string, std::string> cases[] = {
       // "1": 1 + 19 x CC4 (14) = 267, 267 mod 19 = 1, check 18 = CC8.
-      {"1", Join({"13", "114", Repeat(cc4, 19), "111", "31"})},
+      {"1", std::string("13") + "114" + Repeat(cc4, 19) + "111" + "31"},
       // Letters take two positions: A = CC1 0, K = CC2 0, Z = CC3 5; 14 CC4; check
       // (11 + 0 + 12 + 0 + 13 + 5 + 14 x 14) = 237, 237 mod 19 = 9, check 10 = hyphen.
-      {"AKZ", Join({"13", "324144", "342144", "234141", Repeat(cc4, 14), "414", "31"})},
+      {"AKZ", std::string("13") + "324144" + "342144" + "234141" + Repeat(cc4, 14) + "414" + "31"},
       // A letter on the twentieth position is CC1 alone, whatever the letter: 19 x "1",
       // then CC1; check (19 + 11) = 30, 30 mod 19 = 11, check 8 = "231".
-      {Repeat("1", 19) + "Z", Join({"13", Repeat("114", 19), cc1, "231", "31"})},
+      {Repeat("1", 19) + "Z", std::string("13") + Repeat("114", 19) + cc1 + "231" + "31"},
       // Cut after twenty positions, characters outside the set skipped: check (19 + 2) -> 17.
-      {Repeat("1", 19) + "#2345", Join({"13", Repeat("114", 19), "132", "441", "31"})},
+      {Repeat("1", 19) + "#2345", std::string("13") + Repeat("114", 19) + "132" + "441" + "31"},
       // Nothing encodable: twenty CC4, check (19 - 280 mod 19) = 5.
-      {"#$%", Join({"13", Repeat(cc4, 20), "141", "31"})},
+      {"#$%", std::string("13") + Repeat(cc4, 20) + "141" + "31"},
   };
   for (const auto& [data, bars] : cases) {
     const internal::YubinBars symbol = internal::EncodeYubin(data);

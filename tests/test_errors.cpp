@@ -1,0 +1,141 @@
+// Guards every refusal: each encoder's checks (empty data, characters outside its set, check
+// digits, lengths, capacities, settings out of range) end the draw with 0 and name the fault in
+// one line on standard error, the same in PNG and SVG mode.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "barcode_ffi.h"
+#include "support/c_api.h"
+
+namespace barcode_orv {
+namespace {
+
+using Draw = int (*)(BarcodeHandle*, const char*, int, int);
+using Setup = std::function<void(BarcodeHandle*)>;
+
+struct Row {
+  int type;
+  std::string text;
+  const char* message;
+  Setup setup = nullptr;
+  Draw draw = barcode_draw_1d;
+};
+
+Setup CodeMode(const char* mode) {
+  return [mode](BarcodeHandle* h) { barcode_set_code_mode(h, mode); };
+}
+Setup DataMatrix(const char* size, const char* scheme) {
+  return [size, scheme](BarcodeHandle* h) {
+    barcode_set_code_size(h, size);
+    barcode_set_encode_scheme(h, scheme);
+  };
+}
+Setup Pdf417(int level, int columns, int rows, int row_height) {
+  return [=](BarcodeHandle* h) {
+    barcode_set_error_level(h, level);
+    barcode_set_columns(h, columns);
+    barcode_set_rows(h, rows);
+    barcode_set_y_height(h, row_height);
+  };
+}
+
+const std::string kConvenience = "9191234512345678901234567890123425013102500";
+
+const Row kRows[] = {
+    {BARCODE_CODE39, "", "[Code39] Empty string"},
+    {BARCODE_CODE39, "A*B", "[Code39] Invalid character in CODE39: '*' is reserved for start/stop code"},
+    {BARCODE_CODE39, "ab!", "[Code39] Invalid character in CODE39: !"},
+    {BARCODE_CODE39, "A\xC3\xA9", "[Code39] Invalid character in CODE39: \xC3"},
+    {BARCODE_CODE93, "AB*", "[Code93] Invalid character in CODE93: *"},
+    {BARCODE_CODE128, "", "[Code128] Empty string"},
+    {BARCODE_CODE128, "123", "[Code128] Not 2-digit at pos=2", CodeMode("C")},
+    {BARCODE_CODE128, "x1", "[Code128] Not 2-digit at pos=0", CodeMode("C")},
+    {BARCODE_CODE128, "AB\x7f", "[Code128] Invalid char for CODE_A", CodeMode("A")},
+    {BARCODE_CODE128, "\t", "[Code128] Invalid char for CODE_B", CodeMode("B")},
+    {BARCODE_CODE128, "\x7f", "[Code128] Invalid char for CODE_B", CodeMode("B")},
+    {BARCODE_CODE128, "1234\x80", "[Code128] No valid start"},
+    {BARCODE_NW7, "A123", "[NW7] Invalid start/stop character combination in NW7: A123"},
+    {BARCODE_NW7, "123d", "[NW7] Invalid start/stop character combination in NW7: 123D"},
+    {BARCODE_NW7, "12e4", "[NW7] Invalid character in NW7: E"},
+    {BARCODE_ITF, "1 2", "[ITF] ITF barcode requires numeric digits only"},
+    {BARCODE_MATRIX2OF5, "12a", "[Matrix2of5] Matrix 2 of 5 barcode requires numeric digits only"},
+    {BARCODE_NEC2OF5, "-1", "[NEC2of5] NEC 2 of 5 barcode requires numeric digits only"},
+    {BARCODE_JAN13, "4901234567890", "[Jan13] Invalid check digit: expected 4"},
+    {BARCODE_JAN13, "49012345678", "[Jan13] Invalid length 11: 12 or 13 digits required"},
+    {BARCODE_JAN13, "4901234567894+123", "[Jan13] Invalid add-on length 3: 2 or 5 digits required"},
+    {BARCODE_JAN13, "4901234567894+1x", "[Jan13] Invalid character 'x': digits only"},
+    {BARCODE_JAN8, "491234567", "[Jan8] Invalid length 9: 7 or 8 digits required"},
+    {BARCODE_JAN8, "49123457", "[Jan8] Invalid check digit: expected 6"},
+    {BARCODE_UPCA, "036000291453", "[UpcA] Invalid check digit: expected 2"},
+    {BARCODE_UPCE, "21234565", "[UpcE] Invalid number system 2: UPC-E needs 0 or 1"},
+    {BARCODE_UPCE, "01234560", "[UpcE] Invalid check digit: expected 5"},
+    {BARCODE_UPCE, "12345", "[UpcE] Invalid length 5: 6, 7 or 8 digits (or a UPC-A of 11 or 12) required"},
+    {BARCODE_UPCE, "036000291452", "[UpcE] UPC-A 036000291452 has no UPC-E form"},
+    {BARCODE_UPCE, "236000291452", "[UpcE] Invalid check digit: expected 6"},
+    {BARCODE_GS1_128, "0104912345678904",
+     "[GS1-128] Element string must start with an AI in parentheses, such as (01)"},
+    {BARCODE_GS1_128, "(01", "[GS1-128] Unclosed parenthesis: (01"},
+    {BARCODE_GS1_128, "(0A)2", "[GS1-128] Invalid AI (0A)"},
+    {BARCODE_GS1_128, "(23)1", "[GS1-128] Unknown AI (23)"},
+    {BARCODE_GS1_128, "(10)", "[GS1-128] AI (10) has no data"},
+    {BARCODE_GS1_128, "(10)123456789012345678901", "[GS1-128] AI (10) too long (max 20)"},
+    {BARCODE_GS1_128, "(01)049123456789", "[GS1-128] AI (01) too short (min 14)"},
+    {BARCODE_GS1_128, "(01)04912345678905", "[GS1-128] Invalid check digit in AI (01): expected 4"},
+    {BARCODE_GS1_128, "(10)A~B", "[GS1-128] Invalid character '~' in AI (10)"},
+    {BARCODE_GS1_128, "(10)A\\\\B", "[GS1-128] Invalid character '\\' in AI (10)"},
+    {BARCODE_GS1_128, "(17)250229", "[GS1-128] Invalid date in AI (17): 250229"},
+    {BARCODE_GS1_128, "(7007)250101250132", "[GS1-128] Invalid date in AI (7007): 250132"},
+    {BARCODE_GS1_128, "(4324)2512312460", "[GS1-128] Invalid time in AI (4324): 2460"},
+    {BARCODE_GS1_128, "(7007)12345678A", "[GS1-128] AI (7007) has the wrong length 9 for its format N6+[N6]"},
+    {BARCODE_GS1_128, "(8013)1987654Ad4X4bL5ttr2310c2L", "[GS1-128] Invalid check pair in AI (8013): expected 2K"},
+    {BARCODE_GS1_128, kConvenience.substr(1),
+     "[GS1-128] Invalid length 42: a convenience-store code has 43 or 44 digits", nullptr, barcode_draw_convenience},
+    {BARCODE_GS1_128, "92" + kConvenience.substr(2), "[GS1-128] A convenience-store code starts with AI 91", nullptr,
+     barcode_draw_convenience},
+    {BARCODE_GS1_128, kConvenience + "7", "[GS1-128] Invalid check digit: expected 1", nullptr,
+     barcode_draw_convenience},
+    {BARCODE_GS1_128, kConvenience.substr(0, 42) + "x", "[GS1-128] Invalid character 'x': digits only", nullptr,
+     barcode_draw_convenience},
+    {BARCODE_DATAMATRIX, "abcdefghijklmn", "[DataMatrix] Data too long for 12x12: 11 codewords, capacity 5",
+     DataMatrix("12x12", "AUTO"), barcode_draw_2d_rect},
+    {BARCODE_DATAMATRIX, "AB*c", "[DataMatrix] Character 99 at position 3 cannot be encoded in X12",
+     DataMatrix("AUTO", "X12"), barcode_draw_2d_rect},
+    {BARCODE_DATAMATRIX, "AB~", "[DataMatrix] Character 126 at position 2 cannot be encoded in EDIFACT",
+     DataMatrix("AUTO", "EDIFACT"), barcode_draw_2d_rect},
+    {BARCODE_DATAMATRIX, std::string(3117, '1'),
+     "[DataMatrix] Data too long for Data Matrix: 1559 codewords, capacity 1558", DataMatrix("AUTO", "AUTO"),
+     barcode_draw_2d_rect},
+    {BARCODE_PDF417, std::string(2711, '1'), "[PDF417] Data too long for PDF417: 2711 bytes, at most 2710 digits fit",
+     Pdf417(-1, 0, 0, 3), barcode_draw_2d_rect},
+    {BARCODE_PDF417, std::string(900, 'a'), "[PDF417] Data too long for PDF417: 964 codewords at level 8, capacity 928",
+     Pdf417(8, 0, 0, 3), barcode_draw_2d_rect},
+    {BARCODE_PDF417, std::string(200, 'a'), "[PDF417] Data too long for 1 column: 118 codewords", Pdf417(-1, 1, 0, 3),
+     barcode_draw_2d_rect},
+    {BARCODE_PDF417, std::string(20, 'a'), "[PDF417] Data too long for 2 columns x 3 rows: 20 codewords",
+     Pdf417(-1, 2, 3, 3), barcode_draw_2d_rect},
+    {BARCODE_PDF417, "A", "[PDF417] Columns must be 1 to 30, or 0 for automatic: 31", Pdf417(-1, 31, 0, 3),
+     barcode_draw_2d_rect},
+    {BARCODE_PDF417, "A", "[PDF417] Rows must be 3 to 90, or 0 for automatic: 91", Pdf417(-1, 0, 91, 3),
+     barcode_draw_2d_rect},
+    {BARCODE_PDF417, "A", "[PDF417] Row height must be 3 to 50 modules: 2", Pdf417(-1, 0, 0, 2), barcode_draw_2d_rect},
+};
+
+TEST(Refusals, EachNamesItsFaultInOneLine) {
+  for (const Row& row : kRows) {
+    for (const char* format : {"png", "svg"}) {
+      testing::HandlePtr handle = testing::MakeHandle(row.type);
+      ASSERT_NE(handle, nullptr) << row.message;
+      barcode_set_output_format(handle.get(), format);
+      if (row.setup) row.setup(handle.get());
+      ::testing::internal::CaptureStderr();
+      EXPECT_EQ(row.draw(handle.get(), row.text.c_str(), 600, 240), 0) << row.message;
+      const std::string printed = ::testing::internal::GetCapturedStderr();
+      EXPECT_EQ(printed, std::string(row.message) + "\n") << format;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace barcode_orv
