@@ -1,6 +1,7 @@
 // Guards every refusal: each encoder's checks (empty data, characters outside its set, check
 // digits, lengths, capacities, settings out of range) end the draw with 0 and name the fault in
-// one line on standard error, the same in PNG and SVG mode.
+// one line on standard error, the same in PNG and SVG mode, and barcode_get_last_error
+// returns that line.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -133,6 +134,7 @@ TEST(Refusals, EachNamesItsFaultInOneLine) {
       EXPECT_EQ(row.draw(handle.get(), row.text.c_str(), 600, 240), 0) << row.message;
       const std::string printed = ::testing::internal::GetCapturedStderr();
       EXPECT_EQ(printed, std::string(row.message) + "\n") << format;
+      EXPECT_STREQ(barcode_get_last_error(handle.get()), row.message) << format;
     }
   }
 }
