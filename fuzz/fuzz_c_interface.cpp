@@ -117,12 +117,18 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
       break;
     case 3: barcode_set_px_adjust_black(handle, in.ConsumeBool() ? number : in.ConsumeIntegralInRange(-20, 20)); break;
     case 4: barcode_set_px_adjust_white(handle, in.ConsumeBool() ? number : in.ConsumeIntegralInRange(-20, 20)); break;
-    case 5: barcode_set_fit_width(handle, number); break;
+    case 5:
+      barcode_set_fit_width(handle, number);
+      barcode_set_quiet_zone(handle, number & 2);
+      break;
     case 6: barcode_set_show_text(handle, number); break;
     case 7: barcode_set_text_font_scale(handle, Scale(in)); break;
     case 8: barcode_set_text_gap(handle, Scale(in)); break;
     case 9: barcode_set_text_even_spacing(handle, number); break;
-    case 10: barcode_set_show_start_stop(handle, number); break;
+    case 10:
+      barcode_set_show_start_stop(handle, number);
+      barcode_set_standard_encoding(handle, number & 4);
+      break;
     case 11: barcode_set_extended_guard(handle, number); break;
     case 12: barcode_set_code_mode(handle, c_text); break;
     case 13: barcode_set_string_encoding(handle, c_text); break;
@@ -146,6 +152,7 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
       (void)barcode_is_svg_output(handle);
       (void)barcode_get_last_error(handle);
       barcode_set_throw_on_capacity_error(handle, number % 3);
+      barcode_set_quiet(1);  // process-wide; progress lines would only slow the run
       break;
     default: barcode_set_output_format(handle, in.ConsumeBool() ? "svg" : "png"); break;
   }

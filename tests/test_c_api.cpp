@@ -146,6 +146,20 @@ TEST(CApiTest, CheckDigitResultIsOneProcessWideString) {
   EXPECT_STREQ(barcode_calculate_check_digit_14("123"), "");  // not 13 characters
 }
 
+TEST(CApiTest, QuietSwitchSilencesProgressLines) {
+  Handle handle = Code39Handle();
+  barcode_set_quiet(0);
+  ::testing::internal::CaptureStdout();
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "AB", 200, 60), 1);
+  (void)Png(handle.get());
+  EXPECT_NE(::testing::internal::GetCapturedStdout(), "");
+  barcode_set_quiet(1);
+  ::testing::internal::CaptureStdout();
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "AB", 200, 60), 1);
+  (void)Png(handle.get());
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+}
+
 TEST(CApiTest, EveryTypeDrawsIntoTheBoxInBothModes) {
   int provided = 0;
   for (const auto& sample : barcode_orv::testing::kTypeSamples) {
