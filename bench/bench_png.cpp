@@ -43,6 +43,8 @@ const std::vector<Workload>& Workloads() {
        ZintSettings{1.0F, 50.0F, true}},
       {"JAN13_300x100_text", BARCODE_JAN13, "4901234567894", 300, 100, true, ZintSymbol::kEan13,
        ZintSettings{1.0F, 50.0F, true}},
+      {"DataBar14_300x100", BARCODE_GS1_DATABAR_14, "0950110153000", 300, 100, false, ZintSymbol::kDataBarOmni,
+       ZintSettings{1.5F, 33.0F, false}},
       {"QR_45B_300x300", BARCODE_QR, "https://example.com/products/item?id=1234567890", 300, 300, false,
        ZintSymbol::kQrCode, ZintSettings{5.0F, 0.0F, false, 2}},
       {"QR_1000B_600x600", BARCODE_QR, Repeat("Lorem ipsum dolor sit amet, 0123456789; ", 1000), 600, 600, false,

@@ -8,7 +8,7 @@ out=${2:?usage: make-gallery.sh CLI OUT_DIR}
 mkdir -p "$out"
 export BARCODE_ORV_QUIET=1
 
-# name | symbology | text | extra options
+# name | symbology | text | extra options [| png: no SVG form]
 samples=(
   "code39|code39|ABC-1234|--width 300 --height 100"
   "code39-no-asterisks|code39|CODE 39|--width 360 --height 100 --show-start-stop 0"
@@ -31,6 +31,10 @@ samples=(
   "upce|upce|0123456|--width 220 --height 100"
   "gs1-128|gs1-128|(01)04912345678904(10)ABC123(17)251231|--width 520 --height 120"
   "gs1-128-convenience|gs1-128|9191234512345678901234567890123425013102500|--width 600 --height 240 --draw convenience"
+  "databar14|databar14|0950110153000|--width 300 --height 110"
+  "databar14-stacked|databar14|0950110153000|--width 200 --height 110 --symbol-type-14 STACKED"
+  "databar14-stacked-omni|databar14|0950110153000|--width 300 --height 220 --symbol-type-14 STACKED_OMNIDIRECTIONAL"
+  "databar-limited|databar-limited|1501234567890|--width 300 --height 110|png"
   "yubin|yubin|10000131-3-2-503|--height 30"
   "qr-url|qr|https://example.com/barcode?id=12345|--width 300 --height 300"
   "qr-level-h|qr|HELLO QR CODE LEVEL H|--width 300 --height 300 --error-correction H"
@@ -57,11 +61,13 @@ escape() { sed -e 's/&/\&amp;/g' -e 's/</\&lt;/g' -e 's/>/\&gt;/g' -e 's/"/\&quo
 rendered=0
 skipped=()
 for sample in "${samples[@]}"; do
-  IFS='|' read -r name symbology text options <<< "$sample"
+  IFS='|' read -r name symbology text options formats <<< "$sample"
   # shellcheck disable=SC2206
   extra=($options)
   png_cmd=("$cli" "${extra[@]}" --format png --output "$out/$name.png" "$symbology" "$text")
   svg_cmd=("$cli" "${extra[@]}" --format svg --output "$out/$name.svg" "$symbology" "$text")
+  # A fifth field "png" marks a symbology without an SVG form.
+  if [ "$formats" = "png" ]; then svg_cmd=(true); fi
   if ! "${png_cmd[@]}" 2> "$out/$name.log" || ! "${svg_cmd[@]}" 2>> "$out/$name.log"; then
     if grep -q "not provided" "$out/$name.log"; then
       skipped+=("$name")
@@ -76,9 +82,15 @@ for sample in "${samples[@]}"; do
   shown_png="barcode-orv ${options} --format png --output $name.png $symbology '$text'"
   shown_svg="barcode-orv ${options} --format svg --output $name.svg $symbology '$text'"
   {
-    echo "<figure><img src=\"$name.png\" alt=\"$name PNG\"><img src=\"$name.svg\" alt=\"$name SVG\">"
-    echo "<figcaption><strong>$name</strong>"
-    echo "<code>$(printf '%s' "$shown_png" | escape)</code><code>$(printf '%s' "$shown_svg" | escape)</code>"
+    if [ "$formats" = "png" ]; then
+      echo "<figure><img src=\"$name.png\" alt=\"$name PNG\">"
+      echo "<figcaption><strong>$name</strong> (no SVG form)"
+      echo "<code>$(printf '%s' "$shown_png" | escape)</code>"
+    else
+      echo "<figure><img src=\"$name.png\" alt=\"$name PNG\"><img src=\"$name.svg\" alt=\"$name SVG\">"
+      echo "<figcaption><strong>$name</strong>"
+      echo "<code>$(printf '%s' "$shown_png" | escape)</code><code>$(printf '%s' "$shown_svg" | escape)</code>"
+    fi
     echo "</figcaption></figure>"
   } >> "$html"
   rendered=$((rendered + 1))

@@ -9,6 +9,7 @@
 
 #include "api/ffi_internal.h"
 #include "core/errors.h"
+#include "databar/databar14.h"
 #include "databar/gtin_check_digit.h"
 #include "linear/barcode_base_1d.h"
 #include "linear/ean_upc.h"
@@ -212,18 +213,32 @@ int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int /*width*/,
 // ---- GS1 DataBar helpers ----
 
 void barcode_set_symbol_type_14(BarcodeHandle* handle, const char* name) {
-  // GS1 DataBar-14 handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr || name == nullptr) return;
+  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  if (object == nullptr || name == nullptr) return;
+  const std::string form(name);
+  if (form == "OMNIDIRECTIONAL") object->SetSymbolType(0);
+  if (form == "STACKED") object->SetSymbolType(1);
+  if (form == "STACKED_OMNIDIRECTIONAL") object->SetSymbolType(2);
 }
 
 const char* barcode_get_symbol_type_14(BarcodeHandle* handle) {
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr) return kEmpty;
-  return "OMNIDIRECTIONAL";
+  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  if (object == nullptr) return kEmpty;
+  switch (object->GetSymbolType()) {
+    case 1: return "STACKED";
+    case 2: return "STACKED_OMNIDIRECTIONAL";
+    default: return "OMNIDIRECTIONAL";
+  }
 }
 
 int barcode_encode_14(BarcodeHandle* handle, const char* text) {
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr || text == nullptr) return 0;
-  return 0;
+  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  if (object == nullptr || text == nullptr) return 0;
+  try {
+    return object->encode(text) ? 1 : 0;
+  } catch (...) {  // a rejected text is a 0, never an exception across the C interface
+    return 0;
+  }
 }
 
 const char* barcode_calculate_check_digit_14(const char* text) {
