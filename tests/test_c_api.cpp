@@ -163,6 +163,7 @@ constexpr BadInput kBadInputs[] = {
     {BARCODE_GS1_DATABAR_14, "12345678901234", "[GS1 DataBar] Input too long (max 13 digits)"},
     {BARCODE_GS1_DATABAR_LIMITED, "2123456789012",
      "[GS1 DataBar Limited] GS1 DataBar Limited requires leading digit 0 or 1 after padding"},
+    {BARCODE_GS1_DATABAR_EXPANDED, "(23)1", "[GS1 DataBar Expanded] Unknown AI (23)"},
 };
 
 TEST(CApiTest, EveryTypeDrawsIntoTheBoxInBothModes) {

@@ -10,6 +10,7 @@
 
 #include "barcode_ffi.h"
 #include "databar/databar14.h"
+#include "databar/databar_expanded.h"
 #include "databar/databar_limited.h"
 #include "support/c_api.h"
 
@@ -168,6 +169,137 @@ TEST(DataBar, CHelpersOfDataBar14) {
   EXPECT_EQ(barcode_encode_14(handle.get(), "0950110153000"), 1);
   EXPECT_EQ(barcode_encode_14(handle.get(), "12a"), 0);
   EXPECT_STREQ(barcode_calculate_check_digit_14("12345678901234"), "");
+}
+
+// The PNG of a stacked Expanded draw after `setup`.
+std::string StackedPng(const std::function<void(BarcodeHandle*)>& setup) {
+  testing::HandlePtr handle = testing::MakeHandle(BARCODE_GS1_DATABAR_EXPANDED);
+  setup(handle.get());
+  if (barcode_draw_1d(handle.get(), "(01)98898765432106(10)1234", 300, 200) != 1) return "";
+  uint32_t size = 0;
+  const uint8_t* png = barcode_get_image_data(handle.get(), &size);
+  return std::string(reinterpret_cast<const char*>(png), size);
+}
+
+TEST(DataBar, CHelpersOfDataBarExpanded) {
+  const std::string two_columns = StackedPng([](BarcodeHandle* h) { barcode_set_symbol_type_exp(h, "STACKED"); });
+  const std::string unstacked = StackedPng([](BarcodeHandle*) {});
+  ASSERT_FALSE(two_columns.empty());
+  EXPECT_NE(two_columns, unstacked);
+  // Columns outside 1..11 draw the default two; "stacked" is not a form name.
+  for (int columns : {0, 12, -1}) {
+    EXPECT_EQ(StackedPng([columns](BarcodeHandle* h) {
+                barcode_set_symbol_type_exp(h, "STACKED");
+                barcode_set_no_of_columns(h, columns);
+              }),
+              two_columns)
+        << columns;
+  }
+  EXPECT_NE(StackedPng([](BarcodeHandle* h) {
+              barcode_set_symbol_type_exp(h, "STACKED");
+              barcode_set_no_of_columns(h, 1);
+            }),
+            two_columns);
+  EXPECT_EQ(StackedPng([](BarcodeHandle* h) { barcode_set_symbol_type_exp(h, "stacked"); }), unstacked);
+  // barcode_draw_stacked switches the handle to the stacked form for later draws too.
+  EXPECT_EQ(StackedPng([](BarcodeHandle* h) { barcode_draw_stacked(h, "(10)1", 100, 100); }), two_columns);
+}
+
+using internal::ExpandedMethod;
+
+TEST(DataBarExpanded, EveryEncodationMethodAsZintChoosesIt) {
+  const struct {
+    const char* input;
+    ExpandedMethod method;
+    const char* zint;
+  } cases[] = {
+      {"(10)ABC123(21)xyz-12", ExpandedMethod::kGeneral,  // alphanumeric, ISO/IEC 646, FNC1 between
+       "430DAFF0A202D7E7ABE063BE508328FC29E396BEF2FF398BC451C63C0A60E90"},
+      {"(01)04912345678904(10)abc(17)251231", ExpandedMethod::kGtin,
+       "561F2FF0A437DCE42BE062C371ED78FC2F12171F4AFF3B82E45B06300A618DC634BFE68"},
+      {"(01)98898765432106(3103)001750", ExpandedMethod::kWeightKg3103, "53826FF0A270DBEC4BC0EF4C767C48FC2B09F4"},
+      {"(01)98898765432106(3103)032768", ExpandedMethod::kWeightAndDate,  // over 0100's 15 bits: no date
+       "45E22FF0BB109A062BF0E9C094FB98FC2C69868262FF399E85"},
+      {"(01)98898765432106(3203)010156", ExpandedMethod::kWeightLb320x, "5850EFF0A1E29BEC4BC0EF4C7723C8FC2B3BE4"},
+      {"(01)98898765432106(3202)012345(15)991231", ExpandedMethod::kWeightAndDate,
+       "48636FF0B8651A062BF0E9C094FB98FC2EC1247962FF38DE85"},
+      {"(01)98898765432106(3102)001750", ExpandedMethod::kWeightAndDate,  // no date: 38400
+       "4C1D2FF0BB109A062BF0E9C094FB98FC2F20A49DF2FF399E85"},
+      {"(01)98898765432106(3922)1234", ExpandedMethod::kPrice392x, "4A21EFF0B06C9A062BF0E9C094FB98FC2B0BE460B2FF3A"},
+      {"(01)98898765432106(3932)9781234(10)ABC", ExpandedMethod::kPrice393x,
+       "43856FF0AC139A062BE069C094FB98FC2F16F4F8BAFF3960F5620E3C0B23D90"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(internal::EncodeExpandedBits(internal::ParseGs1ElementString(c.input), 0).method, c.method) << c.input;
+    EXPECT_TRUE(SameAsZint(Hex(internal::EncodeDataBarExpanded(c.input, 0).widths), c.zint)) << c.input;
+  }
+}
+
+TEST(DataBarExpanded, StackedRowsForOneToFourColumns) {
+  // Zint's rows: reversed even rows, a last row that starts one module further right, a
+  // half pair at the start of a reversed row, and a last row never holding one character.
+  const struct {
+    const char* input;
+    int columns;
+    std::vector<const char*> zint;
+  } cases[] = {
+      {"(01)98898765432106(10)1234",
+       1,
+       {"4832EFF0B4C310", "07CD100A4B3C80", "05555555555500", "0BF3A8142C7E80", "B40C57E1D38128", "0BF3A8142C7E80",
+        "05555555555500", "0C11940A4E6780", "53EE63F0B19850", "0C11940A4E6780", "05555555555500", "03856804342100",
+        "BC7A97F9CBDEE8"}},
+      {"(01)98898765432106(10)1234",
+       2,
+       {"5831AFF0A713DA062BF0E9C094", "07CE500A58EC25F9D40A163F40", "05555555555555555555555540",
+        "02016A1C2F3392814C418", "B9FE95E3D0CC687E33BE5"}},
+      {"(01)98898765432106(10)1234",
+       3,
+       {"4832EFF0B4C31A062BF0E9C094FB98FC2C6614", "07CD100A4B3CE5F9D40A163F6B0465029399E0",
+        "05555555555555555555555555555555555540", "038568043421", "BC7A97F9CBDEE8"}},
+      {"(01)98898765432106(10)1234", 4, {"5831AFF0A713DA062BF0E9C094FB98FC2C66178F52FF3A"}},
+      {"(01)98898765432106",
+       2,
+       {"50EC2FF0B4C31A062BC0E9C094", "0F13D00A4B3CE5F9D42A163F40", "05555555555555555555555540", "0608CA052F3EC",
+        "29F731F850C128"}},
+  };
+  for (const auto& c : cases) {
+    const internal::ExpandedSymbol symbol = internal::EncodeDataBarExpanded(c.input, c.columns);
+    const std::vector<std::string> rows = Bits(symbol.rows);
+    ASSERT_EQ(rows.size(), c.zint.size()) << c.input << " in " << c.columns;
+    for (size_t r = 0; r < rows.size(); ++r) {
+      std::string bits = rows[r];
+      bits.append((4 - bits.size() % 4) % 4, '0');
+      std::string hex;
+      for (size_t i = 0; i < bits.size(); i += 4) hex += "0123456789ABCDEF"[std::stoi(bits.substr(i, 4), nullptr, 2)];
+      EXPECT_TRUE(SameAsZint(hex, c.zint[r])) << c.input << " in " << c.columns << ", row " << r;
+    }
+  }
+}
+
+TEST(DataBarExpanded, EveryMessage) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"(23)1", "Unknown AI (23)"},
+      {"(01)98898765432107", "Invalid check digit in AI (01): expected 6"},
+      {"(10)123456789012345678901", "AI (10) too long (max 20)"},
+      {"(8010)12#4", "Invalid character '#': not encodable in GS1 DataBar Expanded"},
+      {"(90)ABCDEFGHIJKLMNOPQRSTUVWXYZABCD(91)ABCDEFGHIJK",
+       "Element string too long for GS1 DataBar Expanded: 25 symbol characters (max 22)"},
+  };
+  for (const auto& [input, message] : cases) {
+    try {
+      internal::EncodeDataBarExpanded(input, 0);
+      ADD_FAILURE() << input << " was accepted";
+    } catch (const std::runtime_error& error) {
+      EXPECT_STREQ(error.what(), message) << input;
+    }
+  }
+  // Capacity: 74 digits (AIs included, no FNC1 needed) fill all 22 symbol characters.
+  const std::string dates = "(11)251231(13)251231(15)251231(17)251231";
+  EXPECT_EQ(internal::EncodeDataBarExpanded("(01)04912345678904" + dates + "(90)" + std::string(24, '7'), 0)
+                .symbol_characters,
+            22);
+  EXPECT_THROW(internal::EncodeDataBarExpanded("(01)04912345678904" + dates + "(90)" + std::string(25, '7'), 0),
+               std::runtime_error);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "api/ffi_internal.h"
 #include "core/errors.h"
 #include "databar/databar14.h"
+#include "databar/databar_expanded.h"
 #include "databar/gtin_check_digit.h"
 #include "linear/barcode_base_1d.h"
 #include "linear/ean_upc.h"
@@ -204,10 +205,10 @@ int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int width,
   return GuardDraw(handle, [&] { return object->DrawConvenience(std::string(text), 0, 0, width, height); });
 }
 
-int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {
-  // GS1 DataBar Expanded handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}) == nullptr || text == nullptr) return 0;
-  return 0;
+int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int width, int height) {
+  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  if (object == nullptr || text == nullptr) return 0;
+  return GuardDraw(handle, [&] { return object->DrawStacked(std::string(text), 0, 0, width, height); });
 }
 
 // ---- GS1 DataBar helpers ----
@@ -259,13 +260,16 @@ const char* barcode_calculate_check_digit_14(const char* text) {
 }
 
 void barcode_set_symbol_type_exp(BarcodeHandle* handle, const char* name) {
-  // GS1 DataBar Expanded handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}) == nullptr || name == nullptr) return;
+  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  if (object == nullptr || name == nullptr) return;
+  const std::string form(name);
+  if (form == "UNSTACKED") object->SetSymbolType(0);
+  if (form == "STACKED") object->SetSymbolType(1);
 }
 
-void barcode_set_no_of_columns(BarcodeHandle* handle, int /*columns*/) {
-  // GS1 DataBar Expanded handles are not provided by this build.
-  (void)ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED});
+void barcode_set_no_of_columns(BarcodeHandle* handle, int columns) {
+  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  if (object != nullptr) object->SetNoOfColumns(columns);  // stored as given; draws use 1..11, else 2
 }
 
 }  // extern "C"

@@ -217,7 +217,7 @@ bool GS1DataBar14::DrawForm(const std::string& text, int x, int y, int width, in
     symbol.rule = Form() == internal::DataBar14Form::kStacked ? RowHeightRule::kShareOfBox : RowHeightRule::kModules;
     return symbol;
   };
-  return DrawStacked(text, x, y, width, height, svg, kLogPrefix, stacked);
+  return DrawStackedRows(text, x, y, width, height, svg, kLogPrefix, stacked);
 }
 
 bool GS1DataBar14::Draw(const std::string& text, int x, int y, int width, int height) {

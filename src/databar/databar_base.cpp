@@ -80,8 +80,8 @@ std::vector<SDL_FRect> DataBarBase::PlaceRows(const StackedSymbol& symbol, int x
   return bars;
 }
 
-bool DataBarBase::DrawStacked(const std::string& text, int x, int y, int width, int height, bool svg,
-                              const char* log_prefix, const StackedEncoder& encode) {
+bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int width, int height, bool svg,
+                                  const char* log_prefix, const StackedEncoder& encode) {
   if (!svg) {
     if (!BarcodeBase::Draw(text, x, y, width, height) || canvas_renderer() == nullptr) return false;
     if (!IsRasterOutput()) ClearCanvas(back_color);

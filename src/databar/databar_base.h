@@ -29,8 +29,8 @@ class DataBarBase : public BarcodeBase1D {
 
   // The whole draw of a stacked symbol into the raster canvas or a fresh SVG document;
   // encoding errors are written as `log_prefix` + message.
-  bool DrawStacked(const std::string& text, int x, int y, int width, int height, bool svg, const char* log_prefix,
-                   const StackedEncoder& encode);
+  bool DrawStackedRows(const std::string& text, int x, int y, int width, int height, bool svg, const char* log_prefix,
+                       const StackedEncoder& encode);
 
  private:
   bool DrawStackedRaster(const StackedSymbol& symbol, int x, int y, int width, int height);
