@@ -1,6 +1,7 @@
 #include "databar/databar_base.h"
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 
 #include "core/log.h"
@@ -15,15 +16,13 @@ int RowModules(const std::string& pattern) {
   return modules;
 }
 
-// The text band under stacked rows: a height and a gap that grow more slowly than the box.
-int StackedTextHeight(int height, float font_scale) {
-  const double factor = height < 50 ? 0.25 : height <= 200 ? 0.2 : 0.15;
-  return std::max(8, static_cast<int>(std::clamp(height * factor * font_scale, -2e9, 2e9)));
-}
-
+// The gap between stacked rows and their text grows more slowly than the linear one. NaN
+// and infinite scales saturate instead of reaching an undefined conversion.
 int StackedTextOffset(int height, float gap_scale) {
   const double factor = height < 50 ? 0.02 : height <= 200 ? 0.03 : 0.04;
-  return std::max(1, static_cast<int>(std::clamp(height * factor * gap_scale, -2e9, 2e9)));
+  const double offset = height * factor * gap_scale;
+  if (std::isnan(offset) || offset < 1.0) return 1;
+  return offset >= 2147483647.0 ? 2147483647 : static_cast<int>(offset);
 }
 
 }  // namespace
@@ -36,22 +35,24 @@ std::vector<SDL_FRect> DataBarBase::PlaceRows(const StackedSymbol& symbol, int x
   const float unit = ModuleWidthFor(width, widest, fit_width);
   *symbol_width = static_cast<int>(unit * static_cast<float>(widest));
 
-  const int64_t text_band = int64_t{StackedTextHeight(height, text_font_scale)} + StackedTextOffset(height, text_gap);
+  const int64_t text_band = int64_t{TextHeightFor(height, text_font_scale)} + StackedTextOffset(height, text_gap);
   const auto available = static_cast<int>(std::max<int64_t>(int64_t{height} - text_band, 10));
   const std::vector<int32_t>& modules = symbol.rows.heights;
   std::vector<float> row_height(modules.size());
   if (symbol.rule == RowHeightRule::kShareOfBox) {
     int total = 0;
     for (int32_t h : modules) total += std::max(h, 0);
-    for (size_t r = 0; r < modules.size(); ++r) row_height[r] = static_cast<float>(available / total * modules[r]);
+    const int per_part = total > 0 ? available / total : 0;  // whole pixels a part, as the rows are laid out
+    for (size_t r = 0; r < modules.size(); ++r) row_height[r] = static_cast<float>(per_part * modules[r]);
   } else {
     float fixed = 0.0F;
     int flexible = 0;
     for (int32_t h : modules) {
-      if (h < 0)
+      if (h < 0) {
         ++flexible;
-      else
+      } else {
         fixed += unit * static_cast<float>(h);
+      }
     }
     const float share = flexible > 0 ? (static_cast<float>(available) - fixed) / static_cast<float>(flexible) : 0.0F;
     for (size_t r = 0; r < modules.size(); ++r) {
