@@ -13,6 +13,7 @@
 #include "databar/databar_expanded.h"
 #include "databar/databar_limited.h"
 #include "support/c_api.h"
+#include "support/png_image.h"
 
 namespace barcode_orv {
 namespace {
@@ -169,6 +170,38 @@ TEST(DataBar, CHelpersOfDataBar14) {
   EXPECT_EQ(barcode_encode_14(handle.get(), "0950110153000"), 1);
   EXPECT_EQ(barcode_encode_14(handle.get(), "12a"), 0);
   EXPECT_STREQ(barcode_calculate_check_digit_14("12345678901234"), "");
+}
+
+TEST(DataBar, StackedRowsShareTheHeightAboveTheText) {
+  // Worked out by hand: a box 100 tall keeps 20 + 3 pixels for the text, 200 tall 40 + 6;
+  // Stacked splits the 77 left in parts of 5 pixels (5, 1, 7 parts), the other forms give
+  // separators a module (4 pixels) and split the rest between the data rows. Column x is
+  // light in the first data row and dark in the last one from `dark_from` to `dark_to`.
+  const struct {
+    int type;
+    const char* form;
+    const char* text;
+    int width;
+    int height;
+    int x;
+    int dark_from;
+    int dark_to;
+  } cases[] = {
+      {BARCODE_GS1_DATABAR_14, "STACKED", "0", 200, 100, 1, 30, 65},
+      {BARCODE_GS1_DATABAR_14, "STACKED_OMNIDIRECTIONAL", "0", 200, 200, 1, 83, 154},
+      {BARCODE_GS1_DATABAR_EXPANDED, "STACKED", "(01)98898765432106(10)1234", 408, 200, 1, 83, 154},
+  };
+  for (const auto& c : cases) {
+    testing::HandlePtr handle = testing::MakeHandle(c.type);
+    barcode_set_show_text(handle.get(), 0);
+    barcode_set_symbol_type_14(handle.get(), c.form);
+    barcode_set_symbol_type_exp(handle.get(), c.form);
+    ASSERT_EQ(barcode_draw_1d(handle.get(), c.text, c.width, c.height), 1) << c.form;
+    const testing::RgbaImage image = testing::DecodePng(testing::ImageData(handle.get()));
+    auto dark = [&](int y) { return image.Pixel(c.x, y) == 0x000000FFU; };
+    EXPECT_TRUE(!dark(0) && !dark(c.dark_from - 1) && dark(c.dark_from) && dark(c.dark_to - 1) && !dark(c.dark_to))
+        << c.type << " " << c.form;
+  }
 }
 
 // The PNG of a stacked Expanded draw after `setup`.
