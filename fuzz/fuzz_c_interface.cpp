@@ -43,7 +43,7 @@ std::string Text(FuzzedDataProvider& in) {
       "TEXT",      "X12",
       "EDIFACT",   "BASE256",
   };
-  // Shapes of the EAN/UPC, GS1-128, convenience-store and Japan Post inputs, to mutate.
+  // Shapes of the EAN/UPC, GS1-128, convenience-store, Japan Post and DataBar inputs, to mutate.
   static const char* const kShapes[] = {
       "4901234567894+12",
       "01234565 12345",
@@ -51,6 +51,8 @@ std::string Text(FuzzedDataProvider& in) {
       "(8013)1987654Ad4X4bL5ttr2310c2K(4321)1",
       "9191234512345678901234567890123425013102500",
       "10000131-3-2-503",
+      "0950110153000",
+      "(01)98898765432106(3202)012345(15)991231",
   };
   if (in.ConsumeBool()) return kKeywords[in.ConsumeIntegralInRange<size_t>(0, std::size(kKeywords) - 1)];
   if (in.ConsumeIntegralInRange(0, 3) == 0) {

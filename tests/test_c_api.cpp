@@ -179,6 +179,10 @@ TEST(CApiTest, EveryTypeDrawsIntoTheBoxInBothModes) {
     EXPECT_EQ(image.height, 123);
 
     barcode_set_output_format(handle.get(), "SVG");
+    if (sample.type == BARCODE_GS1_DATABAR_LIMITED) {  // no SVG form
+      EXPECT_EQ(barcode_draw_1d(handle.get(), sample.text, 301, 123), 0);
+      continue;
+    }
     ASSERT_EQ(barcode_draw_1d(handle.get(), sample.text, 301, 123), 1);
     const std::string svg = barcode_get_svg(handle.get());
     EXPECT_EQ(svg.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg", 0), 0U);

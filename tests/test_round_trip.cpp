@@ -101,6 +101,40 @@ RoundTripRow::BoxFor Fixed(int width, int height) {
 
 void NoText(BarcodeHandle* handle, int /*index*/) { barcode_set_show_text(handle, 0); }
 
+std::string WithGtinCheckDigit(const std::string& digits13) {
+  return digits13 + barcode_calculate_check_digit_14(digits13.c_str());
+}
+
+// GS1 element strings that reach every DataBar Expanded encodation method: GTINs with and
+// without the variable-measure indicator 9, weights, dates, prices and free-text AIs in
+// every general-purpose mode (FNC1 after the variable-length ones).
+std::string RandomDataBarElementString(Rng& rng, int index) {
+  auto pick = [&rng](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+  auto date = [&] {
+    const int month = 1 + pick(12);
+    return Random(rng, kDigits, 2, 2) + (month < 10 ? "0" : "") + std::to_string(month) + "1" + std::to_string(pick(9));
+  };
+  std::string text;
+  const int method = index % 7;
+  if (method < 6) text = "(01)" + WithGtinCheckDigit((method < 5 ? "9" : "0") + Random(rng, kDigits, 12, 12));
+  switch (method) {
+    case 0: text += "(3103)0" + Random(rng, "012", 1, 1) + Random(rng, kDigits, 4, 4); break;
+    case 1: text += std::string(pick(2) == 0 ? "(3202)00" : "(3203)01") + Random(rng, kDigits, 4, 4); break;
+    case 2:
+      text += "(3" + std::to_string(1 + pick(2)) + "0" + std::to_string(pick(6)) + ")0" + Random(rng, kDigits, 5, 5);
+      if (pick(3) != 0) text += "(1" + std::to_string(1 + 2 * pick(4)) + ")" + date();
+      break;
+    case 3: text += "(392" + std::to_string(pick(4)) + ")" + Random(rng, kDigits, 1, 12); break;
+    case 4: text += "(393" + std::to_string(pick(4)) + ")" + Random(rng, kDigits, 4, 12); break;
+    default: break;
+  }
+  const char* const free_text[] = {"0123456789", "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789*,-./", "abcxyz!%&'+:;<=>?_0189"};
+  for (int n = method >= 5 ? 1 + pick(2) : 0; n > 0; --n) {
+    text += std::string(pick(2) == 0 ? "(10)" : "(21)") + Random(rng, free_text[pick(3)], 1, 10);
+  }
+  return text;
+}
+
 // Code 128 set A writes bytes as their own values, which readers decode differently; the
 // automatic rows keep to texts whose shortest encoding never chooses set A.
 bool AutomaticAvoidsSetA(const std::string& text) {
@@ -316,6 +350,23 @@ std::vector<RoundTripRow> Rows() {
       {"GS1-128 convenience-store payment code", BARCODE_GS1_128, Symbology::kCode128, 10,
        [](Rng& rng, int) { return "91" + Random(rng, kDigits, 41, 41); }, nullptr, Fixed(600, 100),
        [](const std::string& text) { return text + Mod10(text); }, false, "]C1", barcode_draw_convenience},
+      {"GS1 DataBar Omnidirectional, random GTINs of 1 to 13 digits", BARCODE_GS1_DATABAR_14, Symbology::kDataBar, 150,
+       [](Rng& rng, int) { return Random(rng, kDigits, 1, 13); },
+       [](BarcodeHandle* h, int i) {
+         barcode_set_show_text(h, i % 2);
+         barcode_set_fit_width(h, i % 3 == 0);
+       },
+       // Fractional modules below 3 pixels blur the 1:9 element ratios past what the reader accepts.
+       [](const std::string&, Rng& rng, int i) {
+         const int per_module = i % 3 == 0 ? 3 : 2 + static_cast<int>(rng() % 2);
+         return Box{96 * per_module + static_cast<int>(rng() % 40), 40 + static_cast<int>(rng() % 80)};
+       },
+       [](const std::string& text) {
+         const std::string digits = std::string(13 - text.size(), '0') + text;
+         return digits + barcode_calculate_check_digit_14(digits.c_str());
+       }},
+      {"GS1 DataBar Expanded, random element strings", BARCODE_GS1_DATABAR_EXPANDED, Symbology::kDataBarExpanded, 150,
+       RandomDataBarElementString, NoText, LinearBox([](size_t n) { return 24 * static_cast<int>(n) + 60; })},
       {"QR Code, random bytes at every level", BARCODE_QR, Symbology::kQRCode, 60,
        [printable](Rng& rng, int) { return Random(rng, printable, 1, 300); },
        [](BarcodeHandle* h, int i) {

@@ -40,7 +40,8 @@ ZintResult ZintPng(ZintSymbol symbol, const std::string& text, const ZintSetting
   zint->show_hrt = settings.show_text ? 1 : 0;
   if (settings.option_1 >= 0) zint->option_1 = settings.option_1;
   if (settings.option_2 > 0) zint->option_2 = settings.option_2;
-  if (symbol == ZintSymbol::kDataBarExpanded) zint->input_mode = GS1_MODE;
+  // Element strings as this library takes them: AIs in parentheses.
+  if (symbol == ZintSymbol::kDataBarExpanded) zint->input_mode = GS1_MODE | GS1PARENS_MODE;
   const size_t length = path.copy(zint->outfile, sizeof zint->outfile - 1);
   zint->outfile[length] = '\0';
   const int status = ZBarcode_Encode_and_Print(zint, reinterpret_cast<const unsigned char*>(text.data()),

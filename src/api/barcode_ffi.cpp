@@ -9,6 +9,8 @@
 
 #include "api/ffi_internal.h"
 #include "core/errors.h"
+#include "databar/databar14.h"
+#include "databar/databar_expanded.h"
 #include "databar/gtin_check_digit.h"
 #include "linear/barcode_base_1d.h"
 #include "linear/ean_upc.h"
@@ -211,27 +213,41 @@ int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int width,
   return GuardDraw(handle, [&] { return object->DrawConvenience(std::string(text), 0, 0, width, height); });
 }
 
-int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int /*width*/, int /*height*/) {
-  // GS1 DataBar Expanded handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}) == nullptr || text == nullptr) return 0;
-  return 0;
+int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int width, int height) {
+  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  if (object == nullptr || text == nullptr) return 0;
+  return GuardDraw(handle, [&] { return object->DrawStacked(std::string(text), 0, 0, width, height); });
 }
 
 // ---- GS1 DataBar helpers ----
 
 void barcode_set_symbol_type_14(BarcodeHandle* handle, const char* name) {
-  // GS1 DataBar-14 handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr || name == nullptr) return;
+  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  if (object == nullptr || name == nullptr) return;
+  const std::string form(name);
+  if (form == "OMNIDIRECTIONAL") object->SetSymbolType(0);
+  if (form == "STACKED") object->SetSymbolType(1);
+  if (form == "STACKED_OMNIDIRECTIONAL") object->SetSymbolType(2);
 }
 
 const char* barcode_get_symbol_type_14(BarcodeHandle* handle) {
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr) return kEmpty;
-  return "OMNIDIRECTIONAL";
+  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  if (object == nullptr) return kEmpty;
+  switch (object->GetSymbolType()) {
+    case 1: return "STACKED";
+    case 2: return "STACKED_OMNIDIRECTIONAL";
+    default: return "OMNIDIRECTIONAL";
+  }
 }
 
 int barcode_encode_14(BarcodeHandle* handle, const char* text) {
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_14}) == nullptr || text == nullptr) return 0;
-  return 0;
+  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  if (object == nullptr || text == nullptr) return 0;
+  try {
+    return object->encode(text) ? 1 : 0;
+  } catch (...) {  // a rejected text is a 0, never an exception across the C interface
+    return 0;
+  }
 }
 
 const char* barcode_calculate_check_digit_14(const char* text) {
@@ -252,13 +268,16 @@ const char* barcode_calculate_check_digit_14(const char* text) {
 }
 
 void barcode_set_symbol_type_exp(BarcodeHandle* handle, const char* name) {
-  // GS1 DataBar Expanded handles are not provided by this build.
-  if (ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}) == nullptr || name == nullptr) return;
+  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  if (object == nullptr || name == nullptr) return;
+  const std::string form(name);
+  if (form == "UNSTACKED") object->SetSymbolType(0);
+  if (form == "STACKED") object->SetSymbolType(1);
 }
 
-void barcode_set_no_of_columns(BarcodeHandle* handle, int /*columns*/) {
-  // GS1 DataBar Expanded handles are not provided by this build.
-  (void)ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED});
+void barcode_set_no_of_columns(BarcodeHandle* handle, int columns) {
+  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  if (object != nullptr) object->SetNoOfColumns(columns);  // stored as given; draws use 1..11, else 2
 }
 
 }  // extern "C"

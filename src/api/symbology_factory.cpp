@@ -2,6 +2,9 @@
 #include <memory>
 
 #include "api/ffi_internal.h"
+#include "databar/databar14.h"
+#include "databar/databar_expanded.h"
+#include "databar/databar_limited.h"
 #include "linear/code128.h"
 #include "linear/code39.h"
 #include "linear/code93.h"
@@ -33,6 +36,9 @@ std::unique_ptr<BarcodeBase> MakeSymbology(int type) {
     case BARCODE_UPCA: return std::make_unique<UpcA>(format);
     case BARCODE_UPCE: return std::make_unique<UpcE>(format);
     case BARCODE_ITF: return std::make_unique<ITF>(format);
+    case BARCODE_GS1_DATABAR_14: return std::make_unique<GS1DataBar14>(format);
+    case BARCODE_GS1_DATABAR_LIMITED: return std::make_unique<GS1DataBarLimited>(format);
+    case BARCODE_GS1_DATABAR_EXPANDED: return std::make_unique<GS1DataBarExpanded>(format);
     case BARCODE_YUBIN_CUSTOMER: return std::make_unique<YubinCustomer>(format);
     case BARCODE_QR: return std::make_unique<QR>(format);
     case BARCODE_DATAMATRIX: return std::make_unique<DataMatrix>(format);

@@ -48,4 +48,9 @@ void Error(std::string_view line) {
 
 void Reason(std::string_view line) { Record(line); }
 
+void Debug(std::string_view line) {
+  if (Quiet()) return;
+  std::cerr << line << '\n';
+}
+
 }  // namespace barcode_orv::log

@@ -19,6 +19,9 @@ void Progress(std::string_view line);
 // of the call under way on this thread (see ReasonCapture).
 void Error(std::string_view line);
 
+// Writes a diagnostic `line` to standard error unless quiet; never a failure reason.
+void Debug(std::string_view line);
+
 // Records `line` as the failure reason without writing it anywhere: for failures whose
 // default behaviour is silent or reported on standard output.
 void Reason(std::string_view line);

@@ -1,0 +1,124 @@
+#include "databar/databar_base.h"
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+
+#include "core/log.h"
+#include "linear/linear_layout.h"
+
+namespace barcode_orv {
+namespace {
+
+int RowModules(const std::string& pattern) {
+  int modules = 0;
+  for (char c : pattern) modules += c - '0';
+  return modules;
+}
+
+// The gap between stacked rows and their text grows more slowly than the linear one. NaN
+// and infinite scales saturate instead of reaching an undefined conversion.
+int StackedTextOffset(int height, float gap_scale) {
+  const double factor = height < 50 ? 0.02 : height <= 200 ? 0.03 : 0.04;
+  const double offset = height * factor * gap_scale;
+  if (std::isnan(offset) || offset < 1.0) return 1;
+  return offset >= 2147483647.0 ? 2147483647 : static_cast<int>(offset);
+}
+
+}  // namespace
+
+std::vector<SDL_FRect> DataBarBase::PlaceRows(const StackedSymbol& symbol, int x, int y, int width, int height,
+                                              int* symbol_width) const {
+  const std::vector<std::string>& patterns = symbol.rows.patterns;
+  int widest = 0;
+  for (const std::string& pattern : patterns) widest = std::max(widest, RowModules(pattern));
+  const float unit = ModuleWidthFor(width, widest, fit_width);
+  *symbol_width = static_cast<int>(unit * static_cast<float>(widest));
+
+  const int64_t text_band = int64_t{TextHeightFor(height, text_font_scale)} + StackedTextOffset(height, text_gap);
+  const auto available = static_cast<int>(std::max<int64_t>(int64_t{height} - text_band, 10));
+  const std::vector<int32_t>& modules = symbol.rows.heights;
+  std::vector<float> row_height(modules.size());
+  if (symbol.rule == RowHeightRule::kShareOfBox) {
+    int total = 0;
+    for (int32_t h : modules) total += std::max(h, 0);
+    const int per_part = total > 0 ? available / total : 0;  // whole pixels a part, as the rows are laid out
+    for (size_t r = 0; r < modules.size(); ++r) row_height[r] = static_cast<float>(per_part * modules[r]);
+  } else {
+    float fixed = 0.0F;
+    int flexible = 0;
+    for (int32_t h : modules) {
+      if (h < 0) {
+        ++flexible;
+      } else {
+        fixed += unit * static_cast<float>(h);
+      }
+    }
+    const float share = flexible > 0 ? (static_cast<float>(available) - fixed) / static_cast<float>(flexible) : 0.0F;
+    for (size_t r = 0; r < modules.size(); ++r) {
+      row_height[r] = modules[r] < 0 ? share : unit * static_cast<float>(modules[r]);
+    }
+  }
+
+  std::vector<SDL_FRect> bars;
+  auto top = static_cast<float>(y);
+  for (size_t r = 0; r < patterns.size() && r < row_height.size(); ++r) {
+    auto cursor = static_cast<float>(x);
+    for (size_t i = 0; i < patterns[r].size(); ++i) {
+      const int digit = patterns[r][i] - '0';
+      if (digit == 0) continue;
+      const float w = unit * static_cast<float>(digit);
+      if (i % 2 == 0) {
+        const float bar = std::max(w + static_cast<float>(px_adjust_black), 1.0F);
+        bars.push_back({cursor, top, bar, row_height[r]});
+        cursor += bar;
+      } else {
+        cursor += std::max(w + static_cast<float>(px_adjust_white), 1.0F);
+      }
+    }
+    top += row_height[r];
+  }
+  return bars;
+}
+
+bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int width, int height, bool svg,
+                                  const char* log_prefix, const StackedEncoder& encode) {
+  if (!svg) {
+    if (!BarcodeBase::Draw(text, x, y, width, height) || canvas_renderer() == nullptr) return false;
+    if (!IsRasterOutput()) ClearCanvas(back_color);
+  }
+  StackedSymbol symbol;
+  try {
+    symbol = encode(text);
+  } catch (const std::exception& error) {
+    log::Error(std::string(log_prefix) + error.what());
+    return false;
+  }
+  return svg ? DrawStackedSvg(symbol, x, y, width, height) : DrawStackedRaster(symbol, x, y, width, height);
+}
+
+bool DataBarBase::DrawStackedRaster(const StackedSymbol& symbol, int x, int y, int width, int height) {
+  int symbol_width = 0;
+  for (const SDL_FRect& bar : PlaceRows(symbol, x, y, width, height, &symbol_width)) {
+    FillRectF(bar.x, bar.y, bar.w, bar.h, fore_color);
+  }
+  if (!symbol.rows.patterns.empty()) RenderText(symbol.display_text, x, y, symbol_width, height);
+  last_drawn_width = symbol_width;
+  SDL_RenderPresent(canvas_renderer());
+  return true;
+}
+
+bool DataBarBase::DrawStackedSvg(const StackedSymbol& symbol, int x, int y, int width, int height) {
+  SvgBegin(width, height);
+  SvgRect(0, 0, static_cast<float>(width), static_cast<float>(height), back_color);
+  int symbol_width = 0;
+  for (const SDL_FRect& bar : PlaceRows(symbol, x, y, width, height, &symbol_width)) {
+    SvgRect(bar.x, bar.y, bar.w, bar.h, fore_color);
+  }
+  if (!symbol.rows.patterns.empty()) RenderTextSvg(symbol.display_text, x, y, symbol_width, height);
+  last_drawn_width = symbol_width;
+  SvgEnd();
+  return true;
+}
+
+}  // namespace barcode_orv
