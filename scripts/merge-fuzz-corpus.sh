@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Rebuilds fuzz/corpus as the smallest set of inputs that keeps the coverage of the kept
+# Rebuilds fuzz/corpus as the smallest set of inputs that keeps the edge coverage of the kept
 # corpus plus everything the fuzz runs found in the build tree (libFuzzer -merge=1).
 set -euo pipefail
 fuzzer=${1:?usage: merge-fuzz-corpus.sh FUZZER}
@@ -8,7 +8,7 @@ work=$(dirname "$fuzzer")/fuzz-work
 merged=$(mktemp -d)
 trap 'rm -rf "$merged"' EXIT
 export BARCODE_ORV_QUIET=1
-"$fuzzer" -merge=1 -max_len=1024 -timeout=20 -rss_limit_mb=4096 "$merged" \
+"$fuzzer" -merge=1 -use_counters=0 -use_value_profile=0 -max_len=1024 -timeout=20 -rss_limit_mb=4096 "$merged" \
   "$source_dir/fuzz/corpus" "$work/corpus" 2> "$work/merge.log"
 # Past crash reproducers stay whatever their coverage.
 find "$source_dir/fuzz/corpus" -type f -regextype posix-extended ! -regex '.*/[0-9a-f]{40}' -exec cp {} "$merged/" \;
