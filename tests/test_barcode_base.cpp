@@ -101,15 +101,6 @@ TEST(PngEncoderTest, EmptyCanvasGivesNoBytes) {
   }
 }
 
-TEST(OutputFormatTest, OnlyExactSpellingsSelectAMode) {
-  const std::pair<const char*, bool> svg_cases[] = {{"svg", true}, {"SVG", true}, {"Svg", false}, {"svgz", false}};
-  for (const auto& [format, is_svg] : svg_cases) EXPECT_EQ(Code39(format).IsSvgOutput(), is_svg) << format;
-  const std::pair<const char*, bool> raster_cases[] = {{"jpg", true}, {"PNG", false}, {"gif", false}, {"svg", false}};
-  for (const auto& [format, is_raster] : raster_cases) {
-    EXPECT_EQ(Code39(format).IsRasterOutput(), is_raster) << format;
-  }
-}
-
 // The canvas is the box whatever the offset; jpg and jpeg only relabel the PNG's data URI;
 // an unknown spelling draws nothing.
 TEST(OutputFormatTest, RasterDrawsAndTheirDataUris) {

@@ -33,7 +33,7 @@ TEST(CApiTest, CreateAcceptsOnlyKnownTypes) {
 
 TEST(CApiTest, OutputFormatSwitch) {
   Handle handle = Code39Handle();
-  const std::pair<const char*, int> cases[] = {{"SVG", 1}, {"Svg", 0}, {"svg", 1}, {"png", 0}, {"anything", 0}};
+  const std::pair<const char*, int> cases[] = {{"SVG", 1}, {"Svg", 0}, {"svg", 1}, {"png", 0}, {"svgz", 0}};
   for (const auto& [format, svg] : cases) {
     barcode_set_output_format(handle.get(), format);
     EXPECT_EQ(barcode_is_svg_output(handle.get()), svg) << format;
@@ -93,8 +93,6 @@ TEST(CApiTest, SvgModeGetters) {
   barcode_set_output_format(handle.get(), "svg");
   ASSERT_EQ(barcode_draw_1d(handle.get(), "ABC", 200, 80), 1);
   const std::string svg = barcode_get_svg(handle.get());
-  EXPECT_EQ(svg.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n", 0), 0U);
-  EXPECT_STREQ(barcode_get_base64(handle.get()), "");
   EXPECT_EQ(barcode_get_svg(handle.get()), svg);
   uint32_t size = 3;
   EXPECT_EQ(barcode_get_image_data(handle.get(), &size), nullptr);
@@ -130,20 +128,8 @@ TEST(CApiTest, OptionsOnlyReachTheTypesTheyServe) {
   barcode_set_text_even_spacing(handle.get(), 0);
   barcode_set_code_mode(handle.get(), "C");  // Code 128 only: ignored
   barcode_set_version(handle.get(), 5);      // QR only: ignored
-  EXPECT_EQ(barcode_draw_2d(handle.get(), "A", 100), 0);
-  EXPECT_EQ(barcode_draw_2d_rect(handle.get(), "A", 100, 100), 0);
-  EXPECT_EQ(barcode_draw_convenience(handle.get(), "A", 100, 100), 0);
   ASSERT_EQ(barcode_draw_1d(handle.get(), "AB", 300, 100), 1);
   EXPECT_NE(std::string(barcode_get_svg(handle.get())).find(">AB</text>"), std::string::npos);
-}
-
-TEST(CApiTest, CheckDigitResultIsOneProcessWideString) {
-  const char* first = barcode_calculate_check_digit_14("0950110153000");
-  EXPECT_STREQ(first, "3");
-  const char* second = barcode_calculate_check_digit_14("2001234567890");
-  EXPECT_EQ(first, second);
-  EXPECT_STREQ(second, "9");
-  EXPECT_STREQ(barcode_calculate_check_digit_14("123"), "");  // not 13 characters
 }
 
 TEST(CApiTest, QuietSwitchSilencesProgressLines) {

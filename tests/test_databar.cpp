@@ -20,15 +20,19 @@ namespace {
 
 using internal::DataBar14Form;
 
-// Modules of light-first widths as `zint --dump` prints them (hexadecimal, dark = 1),
-// without Zint's trailing light padding.
-std::string Hex(const std::vector<int32_t>& widths) {
-  std::string bits;
-  for (size_t i = 0; i < widths.size(); ++i) bits.append(static_cast<size_t>(widths[i]), i % 2 == 0 ? '0' : '1');
+// Modules ('1' dark) as `zint --dump` prints them: hexadecimal, light padding at the end.
+std::string HexOfBits(std::string bits) {
   bits.append((4 - bits.size() % 4) % 4, '0');
   std::string hex;
   for (size_t i = 0; i < bits.size(); i += 4) hex += "0123456789ABCDEF"[std::stoi(bits.substr(i, 4), nullptr, 2)];
   return hex;
+}
+
+// Modules of light-first widths.
+std::string Hex(const std::vector<int32_t>& widths) {
+  std::string bits;
+  for (size_t i = 0; i < widths.size(); ++i) bits.append(static_cast<size_t>(widths[i]), i % 2 == 0 ? '0' : '1');
+  return HexOfBits(bits);
 }
 
 ::testing::AssertionResult SameAsZint(const std::string& ours, const std::string& zint) {
@@ -39,34 +43,28 @@ std::string Hex(const std::vector<int32_t>& widths) {
 }
 
 TEST(DataBar14, ModulesMatchZintAtGroupAndChecksumBoundaries) {
-  const struct {
-    const char* input;
-    const char* zint;
-    int checksum;  // after skipping 8 and 72; -1 when not the point of the row
-  } cases[] = {
-      {"2001234567890", "51D04FE14DBEC129601C6D8D", -1},  // ISO/IEC 24724 worked example
-      {"", "548047F97F2AAB017FDDFED5", -1},               // thirteen zeros
+  const std::pair<const char*, const char*> cases[] = {
+      {"2001234567890", "51D04FE14DBEC129601C6D8D"},  // ISO/IEC 24724 worked example
+      {"", "548047F97F2AAB017FDDFED5"},               // thirteen zeros
       // Characters (outside, inside, outside, inside) at the last and first values of groups.
-      {"1160837053708", "402547F955FCF1D57C1D583D", -1},  // 160, 335, 2014, 1515
-      {"1168087304352", "5481CF817C2AABFD7F1C0E55", -1},  // 161, 336, 2015, 1516
-      {"6960583700789", "40E54F8155F0F7D57F8D481D", -1},  // 960, 1035, 2714, 1596
-      {"6967833949836", "5487C401702AAB017F040255", -1},  // 961, 1036, 2715, 0
-      {"9999999999999", "4BB847F97B4E8FD57F047D5D", -1},
-      // Raw checksums 7, 8, 70, 71, 72 and 78.
-      {"4130762523857", "4E1447F95F6C84C57F044395", 7},
-      {"7083383535731", "5A61C7C14BB8B4E1601D8985", 9},
-      {"6304112132183", "43855F017AF4CFA97F04E8CD", 70},
-      {"549141797942", "480A5F01598489617FC4A7DD", 71},
-      {"5078193593590", "47225C016A18AF417C1CC5E5", 73},
-      {"779511566976", "42905C01599C98D97FC5D1ED", 80},
+      {"1160837053708", "402547F955FCF1D57C1D583D"},  // 160, 335, 2014, 1515
+      {"1168087304352", "5481CF817C2AABFD7F1C0E55"},  // 161, 336, 2015, 1516
+      {"6960583700789", "40E54F8155F0F7D57F8D481D"},  // 960, 1035, 2714, 1596
+      {"6967833949836", "5487C401702AAB017F040255"},  // 961, 1036, 2715, 0
+      {"9999999999999", "4BB847F97B4E8FD57F047D5D"},
+      // Raw checksums 7, 8, 70, 71, 72 and 78 (finder values skip 8 and 72).
+      {"4130762523857", "4E1447F95F6C84C57F044395"},
+      {"7083383535731", "5A61C7C14BB8B4E1601D8985"},
+      {"6304112132183", "43855F017AF4CFA97F04E8CD"},
+      {"549141797942", "480A5F01598489617FC4A7DD"},
+      {"5078193593590", "47225C016A18AF417C1CC5E5"},
+      {"779511566976", "42905C01599C98D97FC5D1ED"},
   };
-  for (const auto& c : cases) {
-    const internal::DataBar14Symbol symbol = internal::EncodeDataBar14(c.input, DataBar14Form::kOmnidirectional);
-    EXPECT_TRUE(SameAsZint(Hex({symbol.widths.begin(), symbol.widths.end()}), c.zint)) << c.input;
-    EXPECT_TRUE(c.checksum < 0 || symbol.checksum == c.checksum) << c.input << ": " << symbol.checksum;
+  for (const auto& [input, zint] : cases) {
+    const internal::DataBar14Symbol symbol = internal::EncodeDataBar14(input, DataBar14Form::kOmnidirectional);
+    EXPECT_TRUE(SameAsZint(Hex(std::vector<int32_t>(symbol.widths.begin(), symbol.widths.end())), zint)) << input;
   }
   EXPECT_EQ(internal::EncodeDataBar14("2001234567890", DataBar14Form::kOmnidirectional).digits, "20012345678909");
-  EXPECT_EQ(internal::EncodeDataBar14("", DataBar14Form::kOmnidirectional).digits, "00000000000000");
 }
 
 // Rows as '1'/'0' from the run-length patterns (a leading "0" is an empty dark run).
@@ -122,7 +120,7 @@ TEST(DataBarLimited, ModulesMatchZintAtEveryGroupBoundary) {
     int modules = 0;
     for (int32_t w : symbol.widths) modules += w;
     EXPECT_EQ(modules, 74) << input;
-    EXPECT_TRUE(SameAsZint(Hex({symbol.widths.begin(), symbol.widths.end()}), zint)) << input;
+    EXPECT_TRUE(SameAsZint(Hex(std::vector<int32_t>(symbol.widths.begin(), symbol.widths.end())), zint)) << input;
   }
 }
 
@@ -131,6 +129,7 @@ TEST(DataBar, EveryMessage) {
   const Encode omni = [](const std::string& s) { internal::EncodeDataBar14(s, DataBar14Form::kStacked); };
   const Encode limited = [](const std::string& s) { internal::EncodeDataBarLimited(s); };
   const Encode check = [](const std::string& s) { GS1DataBar14::CalculateCheckDigit(s); };
+  const Encode expanded = [](const std::string& s) { internal::EncodeDataBarExpanded(s, 0); };
   const struct {
     const Encode* encode;
     const char* input;
@@ -144,6 +143,12 @@ TEST(DataBar, EveryMessage) {
       {&limited, "01234567890123", "Input must be 8-13 digits"},
       {&limited, "2000000000000", "GS1 DataBar Limited requires leading digit 0 or 1 after padding"},
       {&check, "123456789012", "CalculateCheckDigit requires exactly 13 digits"},
+      {&expanded, "(23)1", "Unknown AI (23)"},
+      {&expanded, "(01)98898765432107", "Invalid check digit in AI (01): expected 6"},
+      {&expanded, "(10)123456789012345678901", "AI (10) too long (max 20)"},
+      {&expanded, "(8010)12#4", "Invalid character '#': not encodable in GS1 DataBar Expanded"},
+      {&expanded, "(90)ABCDEFGHIJKLMNOPQRSTUVWXYZABCD(91)ABCDEFGHIJK",
+       "Element string too long for GS1 DataBar Expanded: 25 symbol characters (max 22)"},
   };
   for (const auto& c : cases) {
     try {
@@ -214,27 +219,22 @@ std::string StackedPng(const std::function<void(BarcodeHandle*)>& setup) {
   return std::string(reinterpret_cast<const char*>(png), size);
 }
 
+// Columns outside 1..11 draw the default two; "stacked" is not a form name;
+// barcode_draw_stacked switches the handle to the stacked form for later draws too.
 TEST(DataBar, CHelpersOfDataBarExpanded) {
-  const std::string two_columns = StackedPng([](BarcodeHandle* h) { barcode_set_symbol_type_exp(h, "STACKED"); });
+  const auto stacked = [](int columns) {
+    return [columns](BarcodeHandle* h) {
+      barcode_set_symbol_type_exp(h, "STACKED");
+      if (columns != 2) barcode_set_no_of_columns(h, columns);
+    };
+  };
+  const std::string two_columns = StackedPng(stacked(2));
   const std::string unstacked = StackedPng([](BarcodeHandle*) {});
   ASSERT_FALSE(two_columns.empty());
   EXPECT_NE(two_columns, unstacked);
-  // Columns outside 1..11 draw the default two; "stacked" is not a form name.
-  for (int columns : {0, 12, -1}) {
-    EXPECT_EQ(StackedPng([columns](BarcodeHandle* h) {
-                barcode_set_symbol_type_exp(h, "STACKED");
-                barcode_set_no_of_columns(h, columns);
-              }),
-              two_columns)
-        << columns;
-  }
-  EXPECT_NE(StackedPng([](BarcodeHandle* h) {
-              barcode_set_symbol_type_exp(h, "STACKED");
-              barcode_set_no_of_columns(h, 1);
-            }),
-            two_columns);
+  EXPECT_NE(StackedPng(stacked(1)), two_columns);
+  for (int columns : {0, 12, -1}) EXPECT_EQ(StackedPng(stacked(columns)), two_columns) << columns;
   EXPECT_EQ(StackedPng([](BarcodeHandle* h) { barcode_set_symbol_type_exp(h, "stacked"); }), unstacked);
-  // barcode_draw_stacked switches the handle to the stacked form for later draws too.
   EXPECT_EQ(StackedPng([](BarcodeHandle* h) { barcode_draw_stacked(h, "(10)1", 100, 100); }), two_columns);
 }
 
@@ -300,32 +300,12 @@ TEST(DataBarExpanded, StackedRowsForOneToFourColumns) {
     const std::vector<std::string> rows = Bits(symbol.rows);
     ASSERT_EQ(rows.size(), c.zint.size()) << c.input << " in " << c.columns;
     for (size_t r = 0; r < rows.size(); ++r) {
-      std::string bits = rows[r];
-      bits.append((4 - bits.size() % 4) % 4, '0');
-      std::string hex;
-      for (size_t i = 0; i < bits.size(); i += 4) hex += "0123456789ABCDEF"[std::stoi(bits.substr(i, 4), nullptr, 2)];
-      EXPECT_TRUE(SameAsZint(hex, c.zint[r])) << c.input << " in " << c.columns << ", row " << r;
+      EXPECT_TRUE(SameAsZint(HexOfBits(rows[r]), c.zint[r])) << c.input << " in " << c.columns << ", row " << r;
     }
   }
 }
 
-TEST(DataBarExpanded, EveryMessage) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"(23)1", "Unknown AI (23)"},
-      {"(01)98898765432107", "Invalid check digit in AI (01): expected 6"},
-      {"(10)123456789012345678901", "AI (10) too long (max 20)"},
-      {"(8010)12#4", "Invalid character '#': not encodable in GS1 DataBar Expanded"},
-      {"(90)ABCDEFGHIJKLMNOPQRSTUVWXYZABCD(91)ABCDEFGHIJK",
-       "Element string too long for GS1 DataBar Expanded: 25 symbol characters (max 22)"},
-  };
-  for (const auto& [input, message] : cases) {
-    try {
-      internal::EncodeDataBarExpanded(input, 0);
-      ADD_FAILURE() << input << " was accepted";
-    } catch (const std::runtime_error& error) {
-      EXPECT_STREQ(error.what(), message) << input;
-    }
-  }
+TEST(DataBarExpanded, CapacityIs22SymbolCharacters) {
   // Capacity: 74 digits (AIs included, no FNC1 needed) fill all 22 symbol characters.
   const std::string dates = "(11)251231(13)251231(15)251231(17)251231";
   EXPECT_EQ(internal::EncodeDataBarExpanded("(01)04912345678904" + dates + "(90)" + std::string(24, '7'), 0)
