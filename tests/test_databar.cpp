@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -143,9 +144,6 @@ TEST(DataBar, EveryMessage) {
       {&limited, "01234567890123", "Input must be 8-13 digits"},
       {&limited, "2000000000000", "GS1 DataBar Limited requires leading digit 0 or 1 after padding"},
       {&check, "123456789012", "CalculateCheckDigit requires exactly 13 digits"},
-      {&expanded, "(23)1", "Unknown AI (23)"},
-      {&expanded, "(01)98898765432107", "Invalid check digit in AI (01): expected 6"},
-      {&expanded, "(10)123456789012345678901", "AI (10) too long (max 20)"},
       {&expanded, "(8010)12#4", "Invalid character '#': not encodable in GS1 DataBar Expanded"},
       {&expanded, "(90)ABCDEFGHIJKLMNOPQRSTUVWXYZABCD(91)ABCDEFGHIJK",
        "Element string too long for GS1 DataBar Expanded: 25 symbol characters (max 22)"},
@@ -271,37 +269,34 @@ TEST(DataBarExpanded, EveryEncodationMethodAsZintChoosesIt) {
 TEST(DataBarExpanded, StackedRowsForOneToFourColumns) {
   // Zint's rows: reversed even rows, a last row that starts one module further right, a
   // half pair at the start of a reversed row, and a last row never holding one character.
+  const std::string data = "(01)98898765432106(10)1234";
   const struct {
-    const char* input;
+    std::string input;
     int columns;
-    std::vector<const char*> zint;
+    const char* zint;  // rows, space-separated
   } cases[] = {
-      {"(01)98898765432106(10)1234",
-       1,
-       {"4832EFF0B4C310", "07CD100A4B3C80", "05555555555500", "0BF3A8142C7E80", "B40C57E1D38128", "0BF3A8142C7E80",
-        "05555555555500", "0C11940A4E6780", "53EE63F0B19850", "0C11940A4E6780", "05555555555500", "03856804342100",
-        "BC7A97F9CBDEE8"}},
-      {"(01)98898765432106(10)1234",
-       2,
-       {"5831AFF0A713DA062BF0E9C094", "07CE500A58EC25F9D40A163F40", "05555555555555555555555540",
-        "02016A1C2F3392814C418", "B9FE95E3D0CC687E33BE5"}},
-      {"(01)98898765432106(10)1234",
-       3,
-       {"4832EFF0B4C31A062BF0E9C094FB98FC2C6614", "07CD100A4B3CE5F9D40A163F6B0465029399E0",
-        "05555555555555555555555555555555555540", "038568043421", "BC7A97F9CBDEE8"}},
-      {"(01)98898765432106(10)1234", 4, {"5831AFF0A713DA062BF0E9C094FB98FC2C66178F52FF3A"}},
-      {"(01)98898765432106",
-       2,
-       {"50EC2FF0B4C31A062BC0E9C094", "0F13D00A4B3CE5F9D42A163F40", "05555555555555555555555540", "0608CA052F3EC",
-        "29F731F850C128"}},
+      {data, 1,
+       "4832EFF0B4C310 07CD100A4B3C80 05555555555500 0BF3A8142C7E80 B40C57E1D38128 0BF3A8142C7E80 05555555555500 "
+       "0C11940A4E6780 53EE63F0B19850 0C11940A4E6780 05555555555500 03856804342100 BC7A97F9CBDEE8"},
+      {data, 2,
+       "5831AFF0A713DA062BF0E9C094 07CE500A58EC25F9D40A163F40 05555555555555555555555540 02016A1C2F3392814C418 "
+       "B9FE95E3D0CC687E33BE5"},
+      {data, 3,
+       "4832EFF0B4C31A062BF0E9C094FB98FC2C6614 07CD100A4B3CE5F9D40A163F6B0465029399E0 "
+       "05555555555555555555555555555555555540 038568043421 BC7A97F9CBDEE8"},
+      {data, 4, "5831AFF0A713DA062BF0E9C094FB98FC2C66178F52FF3A"},
+      {"(01)98898765432106", 2,
+       "50EC2FF0B4C31A062BC0E9C094 0F13D00A4B3CE5F9D42A163F40 05555555555555555555555540 0608CA052F3EC 29F731F850C128"},
   };
   for (const auto& c : cases) {
-    const internal::ExpandedSymbol symbol = internal::EncodeDataBarExpanded(c.input, c.columns);
-    const std::vector<std::string> rows = Bits(symbol.rows);
-    ASSERT_EQ(rows.size(), c.zint.size()) << c.input << " in " << c.columns;
-    for (size_t r = 0; r < rows.size(); ++r) {
-      EXPECT_TRUE(SameAsZint(HexOfBits(rows[r]), c.zint[r])) << c.input << " in " << c.columns << ", row " << r;
+    const std::vector<std::string> rows = Bits(internal::EncodeDataBarExpanded(c.input, c.columns).rows);
+    std::istringstream zint(c.zint);
+    size_t r = 0;
+    for (std::string row; zint >> row; ++r) {
+      EXPECT_TRUE(r < rows.size() && SameAsZint(HexOfBits(rows[r]), row))
+          << c.input << " in " << c.columns << ": " << r;
     }
+    EXPECT_EQ(r, rows.size()) << c.input << " in " << c.columns;
   }
 }
 

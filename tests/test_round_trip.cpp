@@ -218,12 +218,7 @@ std::vector<RoundTripRow> Rows() {
   std::iota(printable.begin(), printable.end(), ' ');
   return {
       {"Code 39, whole-pixel modules, text line on and off", BARCODE_CODE39, Symbology::kCode39, 120,
-       [](Rng& rng, int) {
-         std::string text = Random(rng, kCode39Set, 1, 14);
-         if (text.front() == ' ') text.front() = 'X';  // keep the payload's ends unambiguous
-         if (text.back() == ' ') text.back() = 'Y';
-         return text;
-       },
+       [](Rng& rng, int) { return "X" + Random(rng, kCode39Set, 0, 12) + "Y"; },  // unambiguous ends
        [](BarcodeHandle* h, int i) { barcode_set_show_text(h, i % 3 != 0); },
        LinearBox([](size_t n) { return 16 * static_cast<int>(n + 2); })},
       // "$/+%" have no wide bar: a fractional module that widens a space by one pixel
@@ -238,26 +233,22 @@ std::vector<RoundTripRow> Rows() {
       {"Code 93 with both check characters", BARCODE_CODE93, Symbology::kCode93, 120,
        [](Rng& rng, int) { return Random(rng, kCode39Set, 1, 30); }, NoText,
        LinearBox([](size_t n) { return 9 * static_cast<int>(n + 4) + 1; })},
-      {"Code 128 set B and set C", BARCODE_CODE128, Symbology::kCode128, 100,
+      {"Code 128 sets B and C, and automatic", BARCODE_CODE128, Symbology::kCode128, 150,
        [printable](Rng& rng, int i) {
-         if (i % 2 == 0) return Random(rng, printable, 1, 30);
-         const std::string digits = Random(rng, kDigits, 1, 20);
-         return digits.size() % 2 == 0 ? digits : digits + "0";
-       },
-       [](BarcodeHandle* h, int i) {
-         barcode_set_code_mode(h, i % 2 == 0 ? "B" : "C");
-         barcode_set_show_text(h, 0);
-       },
-       LinearBox([](size_t n) { return 11 * static_cast<int>(n + 3) + 2; })},
-      {"Code 128 automatic", BARCODE_CODE128, Symbology::kCode128, 100,
-       [](Rng& rng, int i) {
          const std::string mixed = "abcdefghijklmnopqrstuvwxyz{|}~0123456789012345678901 ABC";
+         if (i % 3 == 0) return Random(rng, printable, 1, 30);
+         const std::string digits = Random(rng, kDigits, 1, 20);
+         if (i % 3 == 1) return digits.size() % 2 == 0 ? digits : digits + "0";
          for (;;) {
-           const std::string text = i % 3 == 0 ? Random(rng, kDigits, 1, 16) : Random(rng, mixed, 1, 30);
+           const std::string text = i % 2 == 0 ? Random(rng, kDigits, 1, 16) : Random(rng, mixed, 1, 30);
            if (AutomaticAvoidsSetA(text)) return text;
          }
        },
-       NoText, LinearBox([](size_t n) { return 11 * static_cast<int>(n + 4) + 2; })},
+       [](BarcodeHandle* h, int i) {
+         barcode_set_code_mode(h, i % 3 == 0 ? "B" : i % 3 == 1 ? "C" : "AUTO");
+         barcode_set_show_text(h, 0);
+       },
+       LinearBox([](size_t n) { return 11 * static_cast<int>(n + 4) + 2; })},
       {"NW-7 with supplied and default start/stop", BARCODE_NW7, Symbology::kCodabar, 100,
        [](Rng& rng, int i) {
          // The reader wants at least two data characters, and drops start and stop.
@@ -306,10 +297,6 @@ std::vector<RoundTripRow> Rows() {
          return Box{side, side + static_cast<int>(rng() % 30)};
        },
        nullptr, true},
-      {"QR Code, UTF-8 text carried as Shift_JIS", BARCODE_QR, Symbology::kQRCode, 1,
-       [](Rng&, int) { return std::string("\xE3\x81\x93\xE3\x82\x93\xE3\x81\xAB\xE3\x81\xA1\xE3\x81\xAF, QR"); },
-       [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "shift_jis"); }, Fixed(200, 200),
-       [](const std::string&) { return std::string("\x82\xB1\x82\xF1\x82\xC9\x82\xBF\x82\xCD, QR"); }, true},
       // Every scheme, chosen automatically and forced, each on a character set it favours.
       TwoDRow("DataMatrix automatic", BARCODE_DATAMATRIX, 42,
               Cycle({From(kDigits, 120), From(kUpper, 120), From(kLower, 120), From(kX12, 120), From(kEdifact, 120),
