@@ -66,6 +66,12 @@ TEST(QrBitStream, StandardExampleCodewords) {
   EXPECT_EQ(QRCodeGetTotalData(data, 10), expected_ecc);
 }
 
+// ---- Error correction ----
+
+TEST(QrReedSolomon, ByteXorKeepsLongerTailAndAddsZero) {
+  EXPECT_EQ(QRCodeGetByteData({0x01}, {0x02, 0x03}), (std::vector<uint8_t>{0x03, 0x03, 0x00}));
+}
+
 // ---- Version choice ----
 
 TEST(QrVersion, SelectionAndRaising) {
