@@ -1,6 +1,6 @@
 // Guards QR Code through the class and the C interface: the settings and their keywords
-// reaching the encoder, the capacity exception leaving every draw function, and the module
-// edges painted in PNG and SVG for whole, fitted and adjusted modules.
+// reaching the encoder, and the module edges painted in PNG and SVG for whole, fitted and
+// adjusted modules.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -69,20 +69,6 @@ TEST(QrSettings, KeywordsReachTheEncoder) {
   EXPECT_EQ(qr.GetErrorCorrectionLevel(), QRErrorCorrectionLevel::M);
   EXPECT_EQ(qr.GetEncodeMode(), "A");
   EXPECT_TRUE(qr.Encode({}).empty());
-}
-
-TEST(QrCInterface, CapacityErrorLeavesEveryDrawFunction) {
-  const std::string too_long(2954, 'x');
-  const std::string fits(2953, 'x');
-  for (const char* format : {"png", "svg"}) {
-    Handle handle = QrHandle();
-    barcode_set_output_format(handle.get(), format);
-    barcode_set_error_correction_level(handle.get(), "L");
-    EXPECT_EQ(barcode_draw_2d(handle.get(), fits.c_str(), 400), 1) << format;
-    EXPECT_THROW(barcode_draw_2d(handle.get(), too_long.c_str(), 400), std::runtime_error) << format;
-    EXPECT_THROW(barcode_draw_2d_rect(handle.get(), too_long.c_str(), 400, 300), std::runtime_error) << format;
-    EXPECT_THROW(barcode_draw_1d(handle.get(), too_long.c_str(), 400, 300), std::runtime_error) << format;
-  }
 }
 
 // ---- Geometry, from the finder pattern every symbol starts with ----
