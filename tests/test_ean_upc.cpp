@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "linear/ean_upc.h"
 #include "support/c_api.h"
@@ -103,7 +102,7 @@ TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
   auto draw = [](int type, const char* text, bool extended) {
     testing::HandlePtr handle = testing::MakeHandle(type);
     barcode_set_output_format(handle.get(), "svg");
-    barcode_set_extended_guard(handle.get(), extended ? 1 : 0);
+    if (!extended) barcode_set_extended_guard(handle.get(), 0);  // on by default
     EXPECT_EQ(barcode_draw_1d(handle.get(), text, 300, 100), 1);
     return ParseSvg(barcode_get_svg(handle.get()));
   };
@@ -138,17 +137,6 @@ TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
   EXPECT_EQ(addon.rects.back()[1] + addon.rects.back()[3], 90.0F);
   EXPECT_EQ(addon.text_tops.back(), 0.0F);
   for (const auto& [x, text] : addon.texts) EXPECT_TRUE(x > 0 && x < 300) << text;
-}
-
-TEST(EanUpcCInterface, ExtendedGuardOnByDefaultAndOnlyForTheFamily) {
-  barcode_set_extended_guard(testing::MakeHandle(BARCODE_CODE39).get(), 1);  // ignored, no crash
-  for (int type : {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE}) {
-    testing::HandlePtr handle = testing::MakeHandle(type);
-    auto& object = dynamic_cast<EanUpcBarcode&>(*handle->object);
-    EXPECT_TRUE(object.GetExtendedGuard());
-    barcode_set_extended_guard(handle.get(), 0);
-    EXPECT_FALSE(object.GetExtendedGuard());
-  }
 }
 
 }  // namespace

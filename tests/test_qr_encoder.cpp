@@ -115,11 +115,7 @@ TEST(QrVersion, TooLongForVersion40Throws) {
                  "Reduce data length or use a lower error correction level.");
   }
   EXPECT_EQ(jam.chosen_version(), 0);
-  // 1274 digits at H fit version 25; an empty payload leaves no matrix.
-  jam.SetErrorCorrectionIndex(kLevelH);
-  jam.SetModeString("N");
-  EXPECT_EQ(jam.QRGetData(std::vector<uint8_t>(1274, '7')).side(), SideForVersion(25));
-  jam.qrcode_write_barcode({});
+  jam.qrcode_write_barcode({});  // an empty payload leaves no matrix
   EXPECT_TRUE(jam.matrix().empty());
 }
 
