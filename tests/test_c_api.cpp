@@ -22,6 +22,10 @@ std::string Png(BarcodeHandle* handle) {
   return std::string(png.begin(), png.end());
 }
 
+barcode_orv::testing::RgbaImage Picture(BarcodeHandle* handle) {
+  return barcode_orv::testing::DecodePng(barcode_orv::testing::ImageData(handle));
+}
+
 TEST(CApiTest, OutputFormatSwitch) {
   Handle handle = Code39Handle();
   const std::pair<const char*, int> cases[] = {{"SVG", 1}, {"Svg", 0}, {"svg", 1}, {"png", 0}, {"svgz", 0}};
@@ -69,9 +73,7 @@ TEST(CApiTest, RasterGettersAndTheSharedTextSlot) {
   EXPECT_EQ(png.substr(0, 8), std::string("\x89PNG\r\n\x1a\n", 8));
   EXPECT_EQ(Png(handle.get()), png);  // bytes can be fetched again
 
-  const std::string uri = barcode_get_base64(handle.get());
-  EXPECT_EQ(uri.rfind("data:image/png;base64,iVBORw0KGgo", 0), 0U);
-  EXPECT_GT(uri.size(), 114U);
+  EXPECT_GT(std::strlen(barcode_get_base64(handle.get())), 114U);  // prefix: test_barcode_base
   // The data URI consumed the canvas: the fallback image, and no more bytes.
   EXPECT_EQ(std::strlen(barcode_get_base64(handle.get())), 114U);
   uint32_t size = 5;
@@ -83,8 +85,7 @@ TEST(CApiTest, FailedDrawReturnsZeroAndLeavesABlankCanvas) {
   Handle handle = Code39Handle();
   barcode_set_background_color(handle.get(), 0, 128, 0, 255);
   EXPECT_EQ(barcode_draw_1d(handle.get(), "A*B", 120, 40), 0);
-  const barcode_orv::testing::RgbaImage image = barcode_orv::testing::DecodePng(
-      reinterpret_cast<const uint8_t*>(Png(handle.get()).data()), Png(handle.get()).size());
+  const barcode_orv::testing::RgbaImage image = Picture(handle.get());
   ASSERT_EQ(image.width, 120);
   for (int x = 0; x < 120; x += 7) EXPECT_EQ(image.Pixel(x, 20), 0x008000FFU);
   EXPECT_EQ(barcode_draw_1d(handle.get(), "", 120, 40), 0);
@@ -148,8 +149,7 @@ TEST(CApiTest, EveryTypeDrawsIntoTheBoxInBothModes) {
     ASSERT_EQ(barcode_draw_1d(handle.get(), sample.text, 301, 123), 1) << barcode_get_last_error(handle.get());
     EXPECT_STREQ(barcode_get_last_error(handle.get()), "");
     EXPECT_STREQ(barcode_get_svg(handle.get()), "");
-    const std::string png = Png(handle.get());
-    const auto image = barcode_orv::testing::DecodePng(reinterpret_cast<const uint8_t*>(png.data()), png.size());
+    const auto image = Picture(handle.get());
     // The Japan Post barcode takes its width from its height, whatever the box says.
     const bool box_width = sample.type != BARCODE_YUBIN_CUSTOMER;
     EXPECT_TRUE(!box_width || image.width == 301) << image.width;

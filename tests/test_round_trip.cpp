@@ -356,10 +356,10 @@ TEST_P(RoundTripTest, EveryPayloadScans) {
 
 INSTANTIATE_TEST_SUITE_P(Symbologies, RoundTripTest, ::testing::ValuesIn(Rows()),
                          [](const ::testing::TestParamInfo<RoundTripRow>& info) {
-                           std::string name;
-                           for (const char* c = info.param.name; *c != '\0'; ++c) {
-                             if (std::isalnum(static_cast<unsigned char>(*c)) != 0) name += *c;
-                           }
+                           std::string name = info.param.name;
+                           name.erase(std::remove_if(name.begin(), name.end(),
+                                                     [](unsigned char c) { return std::isalnum(c) == 0; }),
+                                      name.end());
                            return name + "_" + std::to_string(info.index);
                          });
 
