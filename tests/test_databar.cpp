@@ -7,6 +7,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "barcode_ffi.h"
@@ -153,30 +154,21 @@ TEST(DataBar, StackedRowsShareTheHeightAboveTheText) {
   // Stacked splits the 77 left in parts of 5 pixels (5, 1, 7 parts), the other forms give
   // separators a module (4 pixels) and split the rest between the data rows. Column x is
   // light in the first data row and dark in the last one from `dark_from` to `dark_to`.
-  const struct {
-    int type;
-    const char* form;
-    const char* text;
-    int width;
-    int height;
-    int x;
-    int dark_from;
-    int dark_to;
-  } cases[] = {
+  const std::tuple<int, const char*, const char*, int, int, int, int, int> cases[] = {
       {BARCODE_GS1_DATABAR_14, "STACKED", "0", 200, 100, 1, 30, 65},
       {BARCODE_GS1_DATABAR_14, "STACKED_OMNIDIRECTIONAL", "0", 200, 200, 1, 83, 154},
       {BARCODE_GS1_DATABAR_EXPANDED, "STACKED", "(01)98898765432106(10)1234", 408, 200, 1, 83, 154},
   };
-  for (const auto& c : cases) {
-    testing::HandlePtr handle = testing::MakeHandle(c.type);
+  for (const auto& [type, form, text, width, height, x, dark_from, dark_to] : cases) {
+    testing::HandlePtr handle = testing::MakeHandle(type);
     barcode_set_show_text(handle.get(), 0);
-    barcode_set_symbol_type_14(handle.get(), c.form);
-    barcode_set_symbol_type_exp(handle.get(), c.form);
-    ASSERT_EQ(barcode_draw_1d(handle.get(), c.text, c.width, c.height), 1) << c.form;
+    barcode_set_symbol_type_14(handle.get(), form);
+    barcode_set_symbol_type_exp(handle.get(), form);
+    ASSERT_EQ(barcode_draw_1d(handle.get(), text, width, height), 1) << form;
     const testing::RgbaImage image = testing::DecodePng(testing::ImageData(handle.get()));
-    auto dark = [&](int y) { return image.Pixel(c.x, y) == 0x000000FFU; };
-    EXPECT_TRUE(!dark(0) && !dark(c.dark_from - 1) && dark(c.dark_from) && dark(c.dark_to - 1) && !dark(c.dark_to))
-        << c.type << " " << c.form;
+    auto dark = [&image, column = x](int y) { return image.Pixel(column, y) == 0x000000FFU; };
+    EXPECT_TRUE(!dark(0) && !dark(dark_from - 1) && dark(dark_from) && dark(dark_to - 1) && !dark(dark_to))
+        << type << " " << form;
   }
 }
 
@@ -212,11 +204,7 @@ TEST(DataBar, CHelpersOfDataBarExpanded) {
 using internal::ExpandedMethod;
 
 TEST(DataBarExpanded, EveryEncodationMethodAsZintChoosesIt) {
-  const struct {
-    const char* input;
-    ExpandedMethod method;
-    const char* zint;
-  } cases[] = {
+  const std::tuple<const char*, ExpandedMethod, const char*> cases[] = {
       {"(10)ABC123(21)xyz-12", ExpandedMethod::kGeneral,  // alphanumeric, ISO/IEC 646, FNC1 between
        "430DAFF0A202D7E7ABE063BE508328FC29E396BEF2FF398BC451C63C0A60E90"},
       {"(01)04912345678904(10)abc(17)251231", ExpandedMethod::kGtin,
@@ -233,9 +221,9 @@ TEST(DataBarExpanded, EveryEncodationMethodAsZintChoosesIt) {
       {"(01)98898765432106(3932)9781234(10)ABC", ExpandedMethod::kPrice393x,
        "43856FF0AC139A062BE069C094FB98FC2F16F4F8BAFF3960F5620E3C0B23D90"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(internal::EncodeExpandedBits(internal::ParseGs1ElementString(c.input), 0).method, c.method) << c.input;
-    EXPECT_TRUE(SameAsZint(Hex(internal::EncodeDataBarExpanded(c.input, 0).widths), c.zint)) << c.input;
+  for (const auto& [input, method, zint] : cases) {
+    EXPECT_EQ(internal::EncodeExpandedBits(internal::ParseGs1ElementString(input), 0).method, method) << input;
+    EXPECT_TRUE(SameAsZint(Hex(internal::EncodeDataBarExpanded(input, 0).widths), zint)) << input;
   }
 }
 
@@ -243,11 +231,8 @@ TEST(DataBarExpanded, StackedRowsForOneToFourColumns) {
   // Zint's rows: reversed even rows, a last row that starts one module further right, a
   // half pair at the start of a reversed row, and a last row never holding one character.
   const std::string data = "(01)98898765432106(10)1234";
-  const struct {
-    std::string input;
-    int columns;
-    const char* zint;  // rows, space-separated
-  } cases[] = {
+  // Zint's rows, space-separated.
+  const std::tuple<std::string, int, const char*> cases[] = {
       {data, 1,
        "4832EFF0B4C310 07CD100A4B3C80 05555555555500 0BF3A8142C7E80 B40C57E1D38128 0BF3A8142C7E80 05555555555500 "
        "0C11940A4E6780 53EE63F0B19850 0C11940A4E6780 05555555555500 03856804342100 BC7A97F9CBDEE8"},
@@ -261,15 +246,14 @@ TEST(DataBarExpanded, StackedRowsForOneToFourColumns) {
       {"(01)98898765432106", 2,
        "50EC2FF0B4C31A062BC0E9C094 0F13D00A4B3CE5F9D42A163F40 05555555555555555555555540 0608CA052F3EC 29F731F850C128"},
   };
-  for (const auto& c : cases) {
-    const std::vector<std::string> rows = Bits(internal::EncodeDataBarExpanded(c.input, c.columns).rows);
-    std::istringstream zint(c.zint);
+  for (const auto& [input, columns, zint] : cases) {
+    const std::vector<std::string> rows = Bits(internal::EncodeDataBarExpanded(input, columns).rows);
+    std::istringstream dump(zint);
     size_t r = 0;
-    for (std::string row; zint >> row; ++r) {
-      EXPECT_TRUE(r < rows.size() && SameAsZint(HexOfBits(rows[r]), row))
-          << c.input << " in " << c.columns << ": " << r;
+    for (std::string row; dump >> row; ++r) {
+      EXPECT_TRUE(r < rows.size() && SameAsZint(HexOfBits(rows[r]), row)) << input << " in " << columns << ": " << r;
     }
-    EXPECT_EQ(r, rows.size()) << c.input << " in " << c.columns;
+    EXPECT_EQ(r, rows.size()) << input << " in " << columns;
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <regex>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "barcode_ffi.h"
@@ -32,17 +33,13 @@ std::string Dump(const std::vector<int32_t>& widths) {
 }
 
 TEST(EanUpcCodes, CheckDigitsAndUpcEForms) {
-  const struct {
-    EanUpcKind kind;
-    const char* text;
-    const char* digits;
-  } cases[] = {
+  const std::tuple<EanUpcKind, const char*, const char*> cases[] = {
       {kJan13, "490123456789", "4901234567894"}, {kJan8, "4912345", "49123456"},
       {kUpcA, "03600029145", "036000291452"},    {kUpcE, "123456", "01234565"},
       {kUpcE, "012345000065", "01234565"},  // its UPC-A
       {kUpcE, "04252614", "04252614"},           {kUpcE, "11234562", "11234562"},
   };
-  for (const auto& c : cases) EXPECT_EQ(internal::ParseEanUpc(c.kind, c.text).digits, c.digits) << c.text;
+  for (const auto& [kind, text, digits] : cases) EXPECT_EQ(internal::ParseEanUpc(kind, text).digits, digits) << text;
   // UPC-E numbers and their UPC-A expansions (the first from the GS1 examples).
   const std::pair<const char*, const char*> forms[] = {
       {"04252614", "042100005264"}, {"01234565", "012345000065"}, {"01234531", "012300000451"},
@@ -57,11 +54,7 @@ TEST(EanUpcCodes, CheckDigitsAndUpcEForms) {
 
 TEST(EanUpcModules, MatchZintDumps) {
   // zint -b 13 (EAN), 34 (UPC-A), 37 (UPC-E) --addongap=9 --dump
-  const struct {
-    EanUpcKind kind;
-    const char* text;
-    const char* dump;
-  } cases[] = {
+  const std::tuple<EanUpcKind, const char*, const char*> cases[] = {
       {kJan13, "4901234567894", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA"},
       {kJan13, "4901234567894+35", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA 00 B4 2B 9"},
       {kJan13, "4901234567894 12345", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA 00 B6 69 35 0A 8D 62"},
@@ -72,8 +65,8 @@ TEST(EanUpcModules, MatchZintDumps) {
       {kUpcE, "11234562", "A6 49 A1 3A C4 2A A"},
       {kUpcE, "01234565+90210", "AC C9 BD 3A E5 7A A0 0B 2E 8D 49 AC D1 A"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Dump(internal::EncodeEanUpc(c.kind, internal::ParseEanUpc(c.kind, c.text))), c.dump) << c.text;
+  for (const auto& [kind, text, dump] : cases) {
+    EXPECT_EQ(Dump(internal::EncodeEanUpc(kind, internal::ParseEanUpc(kind, text))), dump) << text;
   }
 }
 
