@@ -22,18 +22,13 @@ std::string Png(BarcodeHandle* handle) {
   return std::string(png.begin(), png.end());
 }
 
-TEST(CApiTest, CreateAcceptsOnlyKnownTypes) {
-  EXPECT_EQ(barcode_create(19), nullptr);
-  EXPECT_EQ(barcode_create(-1), nullptr);
-  EXPECT_EQ(barcode_create(1 << 30), nullptr);
-  Handle handle = Code39Handle();
-  ASSERT_NE(handle, nullptr);
-  EXPECT_EQ(barcode_is_svg_output(handle.get()), 0);
+barcode_orv::testing::RgbaImage Picture(BarcodeHandle* handle) {
+  return barcode_orv::testing::DecodePng(barcode_orv::testing::ImageData(handle));
 }
 
 TEST(CApiTest, OutputFormatSwitch) {
   Handle handle = Code39Handle();
-  const std::pair<const char*, int> cases[] = {{"SVG", 1}, {"Svg", 0}, {"svg", 1}, {"png", 0}, {"anything", 0}};
+  const std::pair<const char*, int> cases[] = {{"SVG", 1}, {"Svg", 0}, {"svg", 1}, {"png", 0}, {"svgz", 0}};
   for (const auto& [format, svg] : cases) {
     barcode_set_output_format(handle.get(), format);
     EXPECT_EQ(barcode_is_svg_output(handle.get()), svg) << format;
@@ -78,25 +73,10 @@ TEST(CApiTest, RasterGettersAndTheSharedTextSlot) {
   EXPECT_EQ(png.substr(0, 8), std::string("\x89PNG\r\n\x1a\n", 8));
   EXPECT_EQ(Png(handle.get()), png);  // bytes can be fetched again
 
-  const std::string uri = barcode_get_base64(handle.get());
-  EXPECT_EQ(uri.rfind("data:image/png;base64,iVBORw0KGgo", 0), 0U);
-  EXPECT_GT(uri.size(), 114U);
+  EXPECT_GT(std::strlen(barcode_get_base64(handle.get())), 114U);  // prefix: test_barcode_base
   // The data URI consumed the canvas: the fallback image, and no more bytes.
   EXPECT_EQ(std::strlen(barcode_get_base64(handle.get())), 114U);
   uint32_t size = 5;
-  EXPECT_EQ(barcode_get_image_data(handle.get(), &size), nullptr);
-  EXPECT_EQ(size, 0U);
-}
-
-TEST(CApiTest, SvgModeGetters) {
-  Handle handle = Code39Handle();
-  barcode_set_output_format(handle.get(), "svg");
-  ASSERT_EQ(barcode_draw_1d(handle.get(), "ABC", 200, 80), 1);
-  const std::string svg = barcode_get_svg(handle.get());
-  EXPECT_EQ(svg.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n", 0), 0U);
-  EXPECT_STREQ(barcode_get_base64(handle.get()), "");
-  EXPECT_EQ(barcode_get_svg(handle.get()), svg);
-  uint32_t size = 3;
   EXPECT_EQ(barcode_get_image_data(handle.get(), &size), nullptr);
   EXPECT_EQ(size, 0U);
 }
@@ -105,45 +85,32 @@ TEST(CApiTest, FailedDrawReturnsZeroAndLeavesABlankCanvas) {
   Handle handle = Code39Handle();
   barcode_set_background_color(handle.get(), 0, 128, 0, 255);
   EXPECT_EQ(barcode_draw_1d(handle.get(), "A*B", 120, 40), 0);
-  const barcode_orv::testing::RgbaImage image = barcode_orv::testing::DecodePng(
-      reinterpret_cast<const uint8_t*>(Png(handle.get()).data()), Png(handle.get()).size());
+  const barcode_orv::testing::RgbaImage image = Picture(handle.get());
   ASSERT_EQ(image.width, 120);
   for (int x = 0; x < 120; x += 7) EXPECT_EQ(image.Pixel(x, 20), 0x008000FFU);
   EXPECT_EQ(barcode_draw_1d(handle.get(), "", 120, 40), 0);
 }
 
-TEST(CApiTest, ColourComponentsKeepTheirLowByte) {
+// Colour components keep their low byte; options of other types are ignored; the SVG
+// document can be fetched again and leaves no image data.
+TEST(CApiTest, SvgModeColoursAndForeignOptions) {
   Handle handle = Code39Handle();
   barcode_set_output_format(handle.get(), "svg");
   barcode_set_foreground_color(handle.get(), 256, 257, -1, 255 + 256);
   barcode_set_background_color(handle.get(), 1, 2, 3, 4);
-  ASSERT_EQ(barcode_draw_1d(handle.get(), "A", 200, 80), 1);
-  const std::string svg = barcode_get_svg(handle.get());
-  EXPECT_NE(svg.find("fill=\"rgb(0,1,255)\"/>"), std::string::npos);
-  EXPECT_NE(svg.find("fill=\"rgb(1,2,3)\" fill-opacity=\"0.02\"/>"), std::string::npos);
-}
-
-TEST(CApiTest, OptionsOnlyReachTheTypesTheyServe) {
-  Handle handle = Code39Handle();
-  barcode_set_output_format(handle.get(), "svg");
   barcode_set_show_start_stop(handle.get(), 0);
   barcode_set_text_even_spacing(handle.get(), 0);
   barcode_set_code_mode(handle.get(), "C");  // Code 128 only: ignored
   barcode_set_version(handle.get(), 5);      // QR only: ignored
-  EXPECT_EQ(barcode_draw_2d(handle.get(), "A", 100), 0);
-  EXPECT_EQ(barcode_draw_2d_rect(handle.get(), "A", 100, 100), 0);
-  EXPECT_EQ(barcode_draw_convenience(handle.get(), "A", 100, 100), 0);
   ASSERT_EQ(barcode_draw_1d(handle.get(), "AB", 300, 100), 1);
-  EXPECT_NE(std::string(barcode_get_svg(handle.get())).find(">AB</text>"), std::string::npos);
-}
-
-TEST(CApiTest, CheckDigitResultIsOneProcessWideString) {
-  const char* first = barcode_calculate_check_digit_14("0950110153000");
-  EXPECT_STREQ(first, "3");
-  const char* second = barcode_calculate_check_digit_14("2001234567890");
-  EXPECT_EQ(first, second);
-  EXPECT_STREQ(second, "9");
-  EXPECT_STREQ(barcode_calculate_check_digit_14("123"), "");  // not 13 characters
+  const std::string svg = barcode_get_svg(handle.get());
+  EXPECT_NE(svg.find("fill=\"rgb(0,1,255)\" text-anchor=\"middle\" dominant-baseline=\"hanging\">AB</text>"),
+            std::string::npos);
+  EXPECT_NE(svg.find("fill=\"rgb(1,2,3)\" fill-opacity=\"0.02\"/>"), std::string::npos);
+  EXPECT_EQ(barcode_get_svg(handle.get()), svg);
+  uint32_t size = 3;
+  EXPECT_EQ(barcode_get_image_data(handle.get(), &size), nullptr);
+  EXPECT_EQ(size, 0U);
 }
 
 TEST(CApiTest, QuietSwitchSilencesProgressLines) {
@@ -167,12 +134,22 @@ TEST(CApiTest, EveryTypeDrawsIntoTheBoxInBothModes) {
     if (!handle) continue;
     ++provided;
     SCOPED_TRACE(sample.text);
+    // Each entry point serves only its types.
+    const bool two_d = sample.type >= BARCODE_QR;
+    EXPECT_EQ(barcode_draw_2d(handle.get(), sample.text, 200) != 0, two_d);
+    EXPECT_EQ(barcode_draw_2d_rect(handle.get(), sample.text, 200, 200) != 0, two_d);
+    EXPECT_TRUE(sample.type == BARCODE_GS1_128 || barcode_draw_convenience(handle.get(), sample.text, 300, 100) == 0);
+    EXPECT_TRUE(sample.type == BARCODE_YUBIN_CUSTOMER ||
+                (barcode_draw_yubin(handle.get(), sample.text, 300) == 0 &&
+                 barcode_draw_yubin_with_width(handle.get(), sample.text, 300, 100) == 0));
+    EXPECT_TRUE(sample.type == BARCODE_GS1_DATABAR_EXPANDED ||
+                barcode_draw_stacked(handle.get(), sample.text, 300, 100) == 0);
+    EXPECT_TRUE(sample.type == BARCODE_GS1_DATABAR_14 || barcode_encode_14(handle.get(), "0950110153000") == 0);
     EXPECT_EQ(barcode_draw_1d(handle.get(), nullptr, 300, 120), 0);
     ASSERT_EQ(barcode_draw_1d(handle.get(), sample.text, 301, 123), 1) << barcode_get_last_error(handle.get());
     EXPECT_STREQ(barcode_get_last_error(handle.get()), "");
     EXPECT_STREQ(barcode_get_svg(handle.get()), "");
-    const std::string png = Png(handle.get());
-    const auto image = barcode_orv::testing::DecodePng(reinterpret_cast<const uint8_t*>(png.data()), png.size());
+    const auto image = Picture(handle.get());
     // The Japan Post barcode takes its width from its height, whatever the box says.
     const bool box_width = sample.type != BARCODE_YUBIN_CUSTOMER;
     EXPECT_TRUE(!box_width || image.width == 301) << image.width;
@@ -190,29 +167,7 @@ TEST(CApiTest, EveryTypeDrawsIntoTheBoxInBothModes) {
     EXPECT_STREQ(barcode_get_base64(handle.get()), "");
   }
   EXPECT_GE(provided, 8);
-}
-
-TEST(CApiTest, DrawFunctionsServeOnlyTheirTypes) {
-  for (const auto& sample : barcode_orv::testing::kTypeSamples) {
-    Handle handle = barcode_orv::testing::MakeHandle(sample.type);
-    if (!handle) continue;
-    const bool two_d = sample.type >= BARCODE_QR;
-    EXPECT_EQ(barcode_draw_2d(handle.get(), sample.text, 200) != 0, two_d) << sample.text;
-    EXPECT_EQ(barcode_draw_2d_rect(handle.get(), sample.text, 200, 200) != 0, two_d) << sample.text;
-    if (sample.type != BARCODE_GS1_128) {
-      EXPECT_EQ(barcode_draw_convenience(handle.get(), sample.text, 300, 100), 0);
-    }
-    if (sample.type != BARCODE_YUBIN_CUSTOMER) {
-      EXPECT_EQ(barcode_draw_yubin(handle.get(), sample.text, 300), 0);
-      EXPECT_EQ(barcode_draw_yubin_with_width(handle.get(), sample.text, 300, 100), 0);
-    }
-    if (sample.type != BARCODE_GS1_DATABAR_EXPANDED) {
-      EXPECT_EQ(barcode_draw_stacked(handle.get(), sample.text, 300, 100), 0);
-    }
-    if (sample.type != BARCODE_GS1_DATABAR_14) {
-      EXPECT_EQ(barcode_encode_14(handle.get(), "0950110153000"), 0);
-    }
-  }
+  for (int unknown : {19, -1, 1 << 30}) EXPECT_EQ(barcode_create(unknown), nullptr) << unknown;
 }
 
 }  // namespace

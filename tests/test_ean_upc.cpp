@@ -5,9 +5,9 @@
 
 #include <regex>
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "linear/ean_upc.h"
 #include "support/c_api.h"
@@ -33,17 +33,13 @@ std::string Dump(const std::vector<int32_t>& widths) {
 }
 
 TEST(EanUpcCodes, CheckDigitsAndUpcEForms) {
-  const struct {
-    EanUpcKind kind;
-    const char* text;
-    const char* digits;
-  } cases[] = {
+  const std::tuple<EanUpcKind, const char*, const char*> cases[] = {
       {kJan13, "490123456789", "4901234567894"}, {kJan8, "4912345", "49123456"},
       {kUpcA, "03600029145", "036000291452"},    {kUpcE, "123456", "01234565"},
       {kUpcE, "012345000065", "01234565"},  // its UPC-A
       {kUpcE, "04252614", "04252614"},           {kUpcE, "11234562", "11234562"},
   };
-  for (const auto& c : cases) EXPECT_EQ(internal::ParseEanUpc(c.kind, c.text).digits, c.digits) << c.text;
+  for (const auto& [kind, text, digits] : cases) EXPECT_EQ(internal::ParseEanUpc(kind, text).digits, digits) << text;
   // UPC-E numbers and their UPC-A expansions (the first from the GS1 examples).
   const std::pair<const char*, const char*> forms[] = {
       {"04252614", "042100005264"}, {"01234565", "012345000065"}, {"01234531", "012300000451"},
@@ -58,11 +54,7 @@ TEST(EanUpcCodes, CheckDigitsAndUpcEForms) {
 
 TEST(EanUpcModules, MatchZintDumps) {
   // zint -b 13 (EAN), 34 (UPC-A), 37 (UPC-E) --addongap=9 --dump
-  const struct {
-    EanUpcKind kind;
-    const char* text;
-    const char* dump;
-  } cases[] = {
+  const std::tuple<EanUpcKind, const char*, const char*> cases[] = {
       {kJan13, "4901234567894", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA"},
       {kJan13, "4901234567894+35", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA 00 B4 2B 9"},
       {kJan13, "4901234567894 12345", "A2 D3 99 26 84 EA A7 50 89 23 A5 CA 00 B6 69 35 0A 8D 62"},
@@ -73,8 +65,8 @@ TEST(EanUpcModules, MatchZintDumps) {
       {kUpcE, "11234562", "A6 49 A1 3A C4 2A A"},
       {kUpcE, "01234565+90210", "AC C9 BD 3A E5 7A A0 0B 2E 8D 49 AC D1 A"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Dump(internal::EncodeEanUpc(c.kind, internal::ParseEanUpc(c.kind, c.text))), c.dump) << c.text;
+  for (const auto& [kind, text, dump] : cases) {
+    EXPECT_EQ(Dump(internal::EncodeEanUpc(kind, internal::ParseEanUpc(kind, text))), dump) << text;
   }
 }
 
@@ -103,7 +95,7 @@ TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
   auto draw = [](int type, const char* text, bool extended) {
     testing::HandlePtr handle = testing::MakeHandle(type);
     barcode_set_output_format(handle.get(), "svg");
-    barcode_set_extended_guard(handle.get(), extended ? 1 : 0);
+    if (!extended) barcode_set_extended_guard(handle.get(), 0);  // on by default
     EXPECT_EQ(barcode_draw_1d(handle.get(), text, 300, 100), 1);
     return ParseSvg(barcode_get_svg(handle.get()));
   };
@@ -138,17 +130,6 @@ TEST(EanUpcLayout, ExtendedGuardsAndOutsideDigits) {
   EXPECT_EQ(addon.rects.back()[1] + addon.rects.back()[3], 90.0F);
   EXPECT_EQ(addon.text_tops.back(), 0.0F);
   for (const auto& [x, text] : addon.texts) EXPECT_TRUE(x > 0 && x < 300) << text;
-}
-
-TEST(EanUpcCInterface, ExtendedGuardOnByDefaultAndOnlyForTheFamily) {
-  barcode_set_extended_guard(testing::MakeHandle(BARCODE_CODE39).get(), 1);  // ignored, no crash
-  for (int type : {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE}) {
-    testing::HandlePtr handle = testing::MakeHandle(type);
-    auto& object = dynamic_cast<EanUpcBarcode&>(*handle->object);
-    EXPECT_TRUE(object.GetExtendedGuard());
-    barcode_set_extended_guard(handle.get(), 0);
-    EXPECT_FALSE(object.GetExtendedGuard());
-  }
 }
 
 }  // namespace

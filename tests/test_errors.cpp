@@ -43,6 +43,7 @@ Setup Pdf417(int level, int columns, int rows, int row_height) {
   };
 }
 
+const char* const kLimitedLength = "[GS1 DataBar Limited] Input must be 8-13 digits";
 const std::string kConvenience = "9191234512345678901234567890123425013102500";
 
 const Row kRows[] = {
@@ -122,11 +123,20 @@ const Row kRows[] = {
     {BARCODE_PDF417, "A", "[PDF417] Rows must be 3 to 90, or 0 for automatic: 91", Pdf417(-1, 0, 91, 3),
      barcode_draw_2d_rect},
     {BARCODE_PDF417, "A", "[PDF417] Row height must be 3 to 50 modules: 2", Pdf417(-1, 0, 0, 2), barcode_draw_2d_rect},
-    {BARCODE_GS1_DATABAR_14, "12345678901234", "[GS1 DataBar] Input too long (max 13 digits)"},
+    {BARCODE_GS1_DATABAR_14, "00000000000000", "[GS1 DataBar] Input too long (max 13 digits)"},  // a GTIN-14
+    {BARCODE_GS1_DATABAR_14, "12345678901234x", "[GS1 DataBar] GS1 DataBar requires numeric digits only"},
     {BARCODE_GS1_DATABAR_LIMITED, "2123456789012",
      "[GS1 DataBar Limited] GS1 DataBar Limited requires leading digit 0 or 1 after padding", nullptr, barcode_draw_1d,
      false},
+    {BARCODE_GS1_DATABAR_LIMITED, "1234567x", "[GS1 DataBar Limited] GS1 DataBar Limited requires numeric digits only",
+     nullptr, barcode_draw_1d, false},
+    {BARCODE_GS1_DATABAR_LIMITED, "1234567", kLimitedLength, nullptr, barcode_draw_1d, false},
+    {BARCODE_GS1_DATABAR_LIMITED, "01234567890123", kLimitedLength, nullptr, barcode_draw_1d, false},
     {BARCODE_GS1_DATABAR_EXPANDED, "(23)1", "[GS1 DataBar Expanded] Unknown AI (23)"},
+    {BARCODE_GS1_DATABAR_EXPANDED, "(8010)12#4",
+     "[GS1 DataBar Expanded] Invalid character '#': not encodable in GS1 DataBar Expanded"},
+    {BARCODE_GS1_DATABAR_EXPANDED, "(90)ABCDEFGHIJKLMNOPQRSTUVWXYZABCD(91)ABCDEFGHIJK",
+     "[GS1 DataBar Expanded] Element string too long for GS1 DataBar Expanded: 25 symbol characters (max 22)"},
 };
 
 TEST(Refusals, EachNamesItsFaultInOneLine) {

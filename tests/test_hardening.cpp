@@ -76,15 +76,21 @@ TEST(HardeningTest, LastErrorNamesEachFailure) {
   EXPECT_STREQ(barcode_get_last_error(nullptr), "");
 }
 
+// Every draw function lets the capacity exception out, in both modes, until asked not to.
 TEST(HardeningTest, CapacityErrorThrowsOnlyWhileAsked) {
-  auto qr = MakeHandle(BARCODE_QR);
   const std::string too_long(8000, 'x');
-  EXPECT_THROW(barcode_draw_2d(qr.get(), too_long.c_str(), 300), std::runtime_error);
-  barcode_set_throw_on_capacity_error(qr.get(), 0);
-  EXPECT_EQ(barcode_draw_2d(qr.get(), too_long.c_str(), 300), 0);
-  EXPECT_NE(std::string(barcode_get_last_error(qr.get())).find("40"), std::string::npos)
-      << barcode_get_last_error(qr.get());
-  EXPECT_EQ(barcode_draw_1d(qr.get(), too_long.c_str(), 300, 300), 0);
+  for (const char* format : {"png", "svg"}) {
+    auto qr = MakeHandle(BARCODE_QR);
+    barcode_set_output_format(qr.get(), format);
+    EXPECT_THROW(barcode_draw_2d(qr.get(), too_long.c_str(), 300), std::runtime_error) << format;
+    EXPECT_THROW(barcode_draw_2d_rect(qr.get(), too_long.c_str(), 300, 200), std::runtime_error) << format;
+    EXPECT_THROW(barcode_draw_1d(qr.get(), too_long.c_str(), 300, 200), std::runtime_error) << format;
+    barcode_set_throw_on_capacity_error(qr.get(), 0);
+    EXPECT_EQ(barcode_draw_2d(qr.get(), too_long.c_str(), 300), 0);
+    EXPECT_NE(std::string(barcode_get_last_error(qr.get())).find("40"), std::string::npos)
+        << barcode_get_last_error(qr.get());
+    EXPECT_EQ(barcode_draw_1d(qr.get(), too_long.c_str(), 300, 300), 0);
+  }
 }
 
 }  // namespace

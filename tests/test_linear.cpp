@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "barcode_ffi.h"
@@ -45,12 +46,7 @@ TEST(LinearWidths, WorkedOutByHand) {
   // Matrix 2 of 5 shows only each digit's wide bars; digits joined by one narrow space.
   const std::string ten_digits =
       "3131 31111 1 11113 1 11313 1 11311 1 11113 1 11111 1 11311 1 31113 1 31111 1 31311 133";
-  const struct {
-    const char* what;
-    Encoder encode;
-    std::string text;
-    std::string widths;
-  } cases[] = {
+  const std::tuple<const char*, Encoder, std::string, std::string> cases[] = {
       // Code 39: * = 010010100, 0 = 000110100, A = 100001001, 1 = 100100001; narrow gaps.
       {"Code 39", code39, "0", "131131311 1 111331311 1 131131311"},
       {"Code 39 lower case", code39, "a1", "131131311 1 311113113 1 311311113 1 131131311"},
@@ -73,7 +69,7 @@ TEST(LinearWidths, WorkedOutByHand) {
       {"NEC 2 of 5", nec, "0123456789", ten_digits},
       {"NEC 2 of 5 ratio 2", nec2, "7", "2121 21112 122"},
   };
-  for (const auto& c : cases) EXPECT_EQ(c.encode(c.text), Parse(c.widths)) << c.what << " " << c.text;
+  for (const auto& [what, encode, text, widths] : cases) EXPECT_EQ(encode(text), Parse(widths)) << what << " " << text;
   // The wide element is three modules unless the ratio rounds to an even width.
   const std::pair<float, int32_t> ratios[] = {{1.0F, 3}, {1.9F, 3}, {2.0F, 2}, {3.0F, 3}, {0.5F, 2}, {4.0e9F, 2}};
   for (const auto& [ratio, wide] : ratios) EXPECT_EQ(internal::TwoOfFiveWideWidth(ratio), wide) << ratio;
@@ -96,13 +92,8 @@ size_t Count(const std::string& haystack, const std::string& needle) {
 
 // The text line without check characters or padding; start/stop shown as set.
 TEST(LinearText, WhatEachSymbologyShows) {
-  const struct {
-    int type;
-    const char* text;
-    int show_start_stop;  // -1: default
-    const char* shown;
-    size_t bars;  // 0: not counted
-  } cases[] = {
+  // show_start_stop -1: the default; bars 0: not counted.
+  const std::tuple<int, const char*, int, const char*, size_t> cases[] = {
       {BARCODE_CODE39, "0", -1, "*0*", 15},
       {BARCODE_CODE93, "TEST93", -1, "TEST93", 0},
       {BARCODE_NW7, "a123b", -1, "a123b", 0},
@@ -113,14 +104,14 @@ TEST(LinearText, WhatEachSymbologyShows) {
       {BARCODE_MATRIX2OF5, "123", -1, "123", 2 + 3 * 3 + 1},
       {BARCODE_NEC2OF5, "123", -1, "123", 2 + 3 * 3 + 1},
   };
-  for (const auto& c : cases) {
-    testing::HandlePtr handle = testing::MakeHandle(c.type);
+  for (const auto& [type, text, show_start_stop, shown, bars] : cases) {
+    testing::HandlePtr handle = testing::MakeHandle(type);
     barcode_set_output_format(handle.get(), "svg");
-    if (c.show_start_stop >= 0) barcode_set_show_start_stop(handle.get(), c.show_start_stop);
-    ASSERT_EQ(barcode_draw_1d(handle.get(), c.text, 300, 60), 1) << c.text;
+    if (show_start_stop >= 0) barcode_set_show_start_stop(handle.get(), show_start_stop);
+    ASSERT_EQ(barcode_draw_1d(handle.get(), text, 300, 60), 1) << text;
     const std::string svg = barcode_get_svg(handle.get());
-    EXPECT_EQ(SvgTextLine(svg), c.shown) << c.type << " " << c.text;
-    EXPECT_TRUE(c.bars == 0 || Count(svg, "<rect") == 1 + c.bars) << c.type << " " << c.text;
+    EXPECT_EQ(SvgTextLine(svg), shown) << type << " " << text;
+    EXPECT_TRUE(bars == 0 || Count(svg, "<rect") == 1 + bars) << type << " " << text;
   }
 }
 

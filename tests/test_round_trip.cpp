@@ -55,32 +55,16 @@ struct RoundTripRow {
   using BoxFor = std::function<Box(const std::string& text, Rng&, int index)>;
   using Expected = std::function<std::string(const std::string& text)>;
   using Draw = int (*)(BarcodeHandle*, const char*, int, int);
-  RoundTripRow(const char* name_, int type_, Symbology reader_, int payloads_, Payload payload_, Setup setup_,
-               BoxFor box_, Expected expected_ = nullptr, bool compare_bytes_ = false,
-               const char* identifier_ = nullptr, Draw draw_ = barcode_draw_1d)
-      : name(name_),
-        type(type_),
-        reader(reader_),
-        payloads(payloads_),
-        payload(std::move(payload_)),
-        setup(std::move(setup_)),
-        box(std::move(box_)),
-        expected(std::move(expected_)),
-        compare_bytes(compare_bytes_),
-        identifier(identifier_),
-        draw(draw_) {}
-
   const char* name;
   int type;
   Symbology reader;
   int payloads;
   Payload payload;
-  Setup setup;             // options for payload `index`
-  BoxFor box;              // linear rows: 2 to 3 pixels a module from an upper bound of the modules
-  Expected expected;       // what the reader returns for `text` (null: the text itself)
-  bool compare_bytes;      // compare the payload bytes instead of the reader's text
-  const char* identifier;  // the symbology identifier the reader must report, if any
-  Draw draw;
+  Setup setup;                  // options for payload `index`
+  BoxFor box;                   // linear rows: 2 to 3 pixels a module from an upper bound of the modules
+  Expected expected = nullptr;  // what the reader returns for `text` (null: the text itself)
+  bool compare_bytes = false;   // compare the payload bytes instead of the reader's text
+  Draw draw = barcode_draw_1d;
   int module_pixels = 0;  // matrix and stacked rows: draw at the symbol's own shape, this
                           // many pixels a module (the box is then ignored)
   bool binary = false;    // the payload's bytes go through the class's byte entry point
@@ -101,13 +85,49 @@ RoundTripRow::BoxFor Fixed(int width, int height) {
 
 void NoText(BarcodeHandle* handle, int /*index*/) { barcode_set_show_text(handle, 0); }
 
-std::string WithGtinCheckDigit(const std::string& digits13) {
-  return digits13 + barcode_calculate_check_digit_14(digits13.c_str());
-}
-
 // GS1 element strings that reach every DataBar Expanded encodation method: GTINs with and
 // without the variable-measure indicator 9, weights, dates, prices and free-text AIs in
 // every general-purpose mode (FNC1 after the variable-length ones).
+// GS1 modulo-10 check digit of `digits` (weights 3, 1, ... from the right).
+char Mod10(const std::string& digits) {
+  int sum = 0;
+  for (size_t i = 0; i < digits.size(); ++i) sum += (digits[digits.size() - 1 - i] - '0') * (i % 2 == 0 ? 3 : 1);
+  return static_cast<char>('0' + (10 - sum % 10) % 10);
+}
+
+// GS1-128: one to three fields of common AIs in random order, the GTIN without its check
+// digit (the library completes it).
+std::string RandomGs1128String(Rng& rng, int /*index*/) {
+  static const char* const kAis[] = {"(01)", "(10)", "(17)", "(21)", "(3103)"};
+  std::string text;
+  for (unsigned n = 1 + rng() % 3, first = rng() % 5, k = 0; k < n; ++k) {
+    const std::string ai = kAis[(first + 2 * k) % 5];
+    text += ai;
+    if (ai == "(01)") text += Random(rng, kDigits, 13, 13);
+    if (ai == "(10)" || ai == "(21)") text += Random(rng, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcxyz-./", 1, 12);
+    if (ai == "(17)")
+      text += Random(rng, kDigits, 2, 2) + "0" + Random(rng, "123456789", 1, 1) + "1" + Random(rng, kDigits, 1, 1);
+    if (ai == "(3103)") text += Random(rng, kDigits, 6, 6);
+  }
+  return text;
+}
+
+// What the reader returns for such a string: AIs and data run together, the GTIN with its
+// check digit, a group separator after (10) and (21) unless they come last.
+std::string ReadGs1128(const std::string& text) {
+  std::string out;
+  for (size_t at = 0; at < text.size();) {
+    const size_t close = text.find(')', at);
+    const size_t next = std::min(text.find('(', close), text.size());
+    const std::string ai = text.substr(at + 1, close - at - 1);
+    std::string data = text.substr(close + 1, next - close - 1);
+    if (ai == "01") data += Mod10(data);
+    out += ai + data + ((ai == "10" || ai == "21") && next < text.size() ? "\x1d" : "");
+    at = next;
+  }
+  return out;
+}
+
 std::string RandomDataBarElementString(Rng& rng, int index) {
   auto pick = [&rng](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
   auto date = [&] {
@@ -116,7 +136,8 @@ std::string RandomDataBarElementString(Rng& rng, int index) {
   };
   std::string text;
   const int method = index % 7;
-  if (method < 6) text = "(01)" + WithGtinCheckDigit((method < 5 ? "9" : "0") + Random(rng, kDigits, 12, 12));
+  const std::string gtin = (method < 5 ? "9" : "0") + Random(rng, kDigits, 12, 12);
+  if (method < 6) text = "(01)" + gtin + barcode_calculate_check_digit_14(gtin.c_str());
   switch (method) {
     case 0: text += "(3103)0" + Random(rng, "012", 1, 1) + Random(rng, kDigits, 4, 4); break;
     case 1: text += std::string(pick(2) == 0 ? "(3202)00" : "(3203)01") + Random(rng, kDigits, 4, 4); break;
@@ -140,51 +161,6 @@ std::string RandomDataBarElementString(Rng& rng, int index) {
 bool AutomaticAvoidsSetA(const std::string& text) {
   const std::vector<int32_t> values = internal::Code128Values(text, CodeSet128::kAuto);
   return values.front() != 103 && std::find(values.begin(), values.end() - 2, 101) == values.end() - 2;
-}
-
-// GS1 modulo-10 check digit of `digits` (weights 3, 1, ... from the right).
-char Mod10(const std::string& digits) {
-  int sum = 0;
-  for (size_t i = 0; i < digits.size(); ++i) sum += (digits[digits.size() - 1 - i] - '0') * (i % 2 == 0 ? 3 : 1);
-  return static_cast<char>('0' + (10 - sum % 10) % 10);
-}
-
-// A random element string of common AIs, one to three fields in random order.
-std::string RandomElementString(Rng& rng) {
-  const std::string alnum = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-./";
-  std::vector<int> order = {0, 1, 2, 3, 4};
-  std::shuffle(order.begin(), order.end(), rng);
-  order.resize(1 + rng() % 3);
-  std::string text;
-  for (int field : order) {
-    const std::string date =
-        std::to_string(10 + rng() % 90) + "0" + std::to_string(1 + rng() % 9) + "1" + std::to_string(rng() % 9);
-    switch (field) {
-      case 0: text += "(01)" + Random(rng, kDigits, 13, 13); break;
-      case 1: text += "(10)" + Random(rng, alnum, 1, 12); break;
-      case 2: text += "(17)" + date; break;
-      case 3: text += "(21)" + Random(rng, alnum, 1, 10); break;
-      default: text += "(3103)" + Random(rng, kDigits, 6, 6); break;
-    }
-  }
-  return text;
-}
-
-// What a reader returns for an element string of those AIs: AI and data run together, the
-// GTIN completed with its check digit, a group separator after (10) and (21) unless last.
-std::string ReadElementString(const std::string& text) {
-  std::string out;
-  for (size_t at = 0; at < text.size();) {
-    const size_t close = text.find(')', at);
-    const size_t next = std::min(text.find('(', close), text.size());
-    const std::string ai = text.substr(at + 1, close - at - 1);
-    std::string data = text.substr(close + 1, next - close - 1);
-    if (ai == "01") data += Mod10(data);
-    out += ai + data;
-    if ((ai == "10" || ai == "21") && next < text.size()) out += '\x1d';
-    at = next;
-  }
-  return out;
 }
 
 RoundTripRow EanUpcRow(const char* name, int type, internal::EanUpcKind kind, size_t length, Symbology reader) {
@@ -245,9 +221,11 @@ std::string ToShiftJis(const std::string& text) {
 // A matrix or stacked row, read back as bytes; `side` 0 draws at the symbol's own shape.
 RoundTripRow TwoDRow(const char* name, int type, int payloads, RoundTripRow::Payload payload, RoundTripRow::Setup setup,
                      int side = 0, RoundTripRow::Expected expected = nullptr, bool binary = false) {
-  RoundTripRow row(name, type, type == BARCODE_DATAMATRIX ? Symbology::kDataMatrix : Symbology::kPDF417, payloads,
-                   std::move(payload), std::move(setup), Fixed(side, side), std::move(expected), true, nullptr,
-                   barcode_draw_2d_rect);
+  const Symbology reader = type == BARCODE_DATAMATRIX ? Symbology::kDataMatrix : Symbology::kPDF417;
+  RoundTripRow row{name, type, reader, payloads, std::move(payload), std::move(setup), Fixed(side, side)};
+  row.expected = std::move(expected);
+  row.compare_bytes = true;
+  row.draw = barcode_draw_2d_rect;
   row.module_pixels = side != 0 ? 0 : type == BARCODE_DATAMATRIX ? 4 : 2;
   row.binary = binary;
   return row;
@@ -275,56 +253,30 @@ Box NaturalBox(BarcodeHandle* handle, const std::string& text, int pixels) {
 std::vector<RoundTripRow> Rows() {
   std::string printable(95, ' ');
   std::iota(printable.begin(), printable.end(), ' ');
-  const std::string kana = "\xE3\x81\x93\xE3\x82\x93\xE3\x81\xAB\xE3\x81\xA1\xE3\x81\xAF, QR";  // こんにちは, QR
-  const std::string kana_sjis = "\x82\xB1\x82\xF1\x82\xC9\x82\xBF\x82\xCD, QR";
   return {
       {"Code 39, whole-pixel modules, text line on and off", BARCODE_CODE39, Symbology::kCode39, 120,
-       [](Rng& rng, int) {
-         std::string text = Random(rng, kCode39Set, 1, 14);
-         if (text.front() == ' ') text.front() = 'X';  // keep the payload's ends unambiguous
-         if (text.back() == ' ') text.back() = 'Y';
-         return text;
-       },
+       [](Rng& rng, int) { return "X" + Random(rng, kCode39Set, 0, 12) + "Y"; },  // unambiguous ends
        [](BarcodeHandle* h, int i) { barcode_set_show_text(h, i % 3 != 0); },
        LinearBox([](size_t n) { return 16 * static_cast<int>(n + 2); })},
-      // "$/+%" have no wide bar: a fractional module that widens a space by one pixel
-      // more than three bars makes the reader reject them, so fit_width payloads skip them.
-      {"Code 39, fit_width from 4 pixels a module", BARCODE_CODE39, Symbology::kCode39, 60,
-       [](Rng& rng, int) { return "A" + Random(rng, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-.", 0, 12) + "Z"; },
-       [](BarcodeHandle* h, int) { barcode_set_fit_width(h, 1); },
-       [](const std::string& text, Rng& rng, int) {
-         const int modules = 16 * static_cast<int>(text.size() + 2) - 1;
-         return Box{modules * 4 + static_cast<int>(rng() % modules), 60 + static_cast<int>(rng() % 100)};
-       }},
       {"Code 93 with both check characters", BARCODE_CODE93, Symbology::kCode93, 120,
        [](Rng& rng, int) { return Random(rng, kCode39Set, 1, 30); }, NoText,
        LinearBox([](size_t n) { return 9 * static_cast<int>(n + 4) + 1; })},
-      {"Code 128 set B", BARCODE_CODE128, Symbology::kCode128, 80,
-       [printable](Rng& rng, int) { return Random(rng, printable, 1, 30); },
-       [](BarcodeHandle* h, int) {
-         barcode_set_code_mode(h, "B");
-         barcode_set_show_text(h, 0);
-       },
-       LinearBox([](size_t n) { return 11 * static_cast<int>(n + 3) + 2; })},
-      {"Code 128 set C", BARCODE_CODE128, Symbology::kCode128, 60,
-       [](Rng& rng, int) {
-         const std::string digits = Random(rng, kDigits, 1, 20);
-         return digits.size() % 2 == 0 ? digits : digits + "0";
-       },
-       [](BarcodeHandle* h, int) {
-         barcode_set_code_mode(h, "C");
-         barcode_set_show_text(h, 0);
-       },
-       LinearBox([](size_t n) { return 11 * static_cast<int>(n / 2 + 3) + 2; })},
-      {"Code 128 automatic", BARCODE_CODE128, Symbology::kCode128, 100,
-       [](Rng& rng, int i) {
+      {"Code 128 sets B and C, and automatic", BARCODE_CODE128, Symbology::kCode128, 150,
+       [printable](Rng& rng, int i) {
          const std::string mixed = "abcdefghijklmnopqrstuvwxyz{|}~0123456789012345678901 ABC";
+         if (i % 3 == 0) return Random(rng, printable, 1, 30);
+         const std::string digits = Random(rng, kDigits, 1, 20);
+         if (i % 3 == 1) return digits.size() % 2 == 0 ? digits : digits + "0";
          for (;;) {
-           const std::string text = i % 3 == 0 ? Random(rng, kDigits, 1, 16) : Random(rng, mixed, 1, 30);
+           const std::string text = i % 2 == 0 ? Random(rng, kDigits, 1, 16) : Random(rng, mixed, 1, 30);
            if (AutomaticAvoidsSetA(text)) return text;
          }
        },
-       NoText, LinearBox([](size_t n) { return 11 * static_cast<int>(n + 4) + 2; })},
+       [](BarcodeHandle* h, int i) {
+         barcode_set_code_mode(h, i % 3 == 0 ? "B" : i % 3 == 1 ? "C" : "AUTO");
+         barcode_set_show_text(h, 0);
+       },
+       LinearBox([](size_t n) { return 11 * static_cast<int>(n + 4) + 2; })},
       {"NW-7 with supplied and default start/stop", BARCODE_NW7, Symbology::kCodabar, 100,
        [](Rng& rng, int i) {
          // The reader wants at least two data characters, and drops start and stop.
@@ -345,11 +297,6 @@ std::vector<RoundTripRow> Rows() {
       EanUpcRow("JAN-13", BARCODE_JAN13, internal::EanUpcKind::kJan13, 12, Symbology::kEAN13),
       EanUpcRow("UPC-A", BARCODE_UPCA, internal::EanUpcKind::kUpcA, 11, Symbology::kUPCA),
       EanUpcRow("UPC-E", BARCODE_UPCE, internal::EanUpcKind::kUpcE, 7, Symbology::kUPCE),
-      {"GS1-128 element strings, read back with FNC1 as GS", BARCODE_GS1_128, Symbology::kCode128, 60,
-       [](Rng& rng, int) { return RandomElementString(rng); }, NoText, Fixed(700, 80), ReadElementString, false, "]C1"},
-      {"GS1-128 convenience-store payment code", BARCODE_GS1_128, Symbology::kCode128, 10,
-       [](Rng& rng, int) { return "91" + Random(rng, kDigits, 41, 41); }, nullptr, Fixed(600, 100),
-       [](const std::string& text) { return text + Mod10(text); }, false, "]C1", barcode_draw_convenience},
       {"GS1 DataBar Omnidirectional, random GTINs of 1 to 13 digits", BARCODE_GS1_DATABAR_14, Symbology::kDataBar, 150,
        [](Rng& rng, int) { return Random(rng, kDigits, 1, 13); },
        [](BarcodeHandle* h, int i) {
@@ -365,6 +312,11 @@ std::vector<RoundTripRow> Rows() {
          const std::string digits = std::string(13 - text.size(), '0') + text;
          return digits + barcode_calculate_check_digit_14(digits.c_str());
        }},
+      {"GS1-128 element strings, read back with FNC1 as GS", BARCODE_GS1_128, Symbology::kCode128, 60,
+       RandomGs1128String, NoText, LinearBox([](size_t n) { return 11 * static_cast<int>(n) + 70; }), ReadGs1128},
+      {"GS1-128 convenience-store payment code", BARCODE_GS1_128, Symbology::kCode128, 10,
+       [](Rng& rng, int) { return "91" + Random(rng, kDigits, 41, 41); }, nullptr, Fixed(600, 100),
+       [](const std::string& text) { return text + Mod10(text); }, false, barcode_draw_convenience},
       {"GS1 DataBar Expanded, random element strings", BARCODE_GS1_DATABAR_EXPANDED, Symbology::kDataBarExpanded, 150,
        RandomDataBarElementString, NoText, LinearBox([](size_t n) { return 24 * static_cast<int>(n) + 60; })},
       {"QR Code, random bytes at every level", BARCODE_QR, Symbology::kQRCode, 60,
@@ -378,20 +330,6 @@ std::vector<RoundTripRow> Rows() {
          return Box{side, side + static_cast<int>(rng() % 30)};
        },
        nullptr, true},
-      {"QR Code, numeric mode", BARCODE_QR, Symbology::kQRCode, 30,
-       [](Rng& rng, int) { return Random(rng, kDigits, 1, 500); },
-       [](BarcodeHandle* h, int i) {
-         barcode_set_encode_mode(h, "NUMERIC");
-         barcode_set_version(h, i % 2 == 0 ? 0 : 20);
-       },
-       Fixed(400, 400)},
-      {"QR Code, UTF-8 text carried as Shift_JIS", BARCODE_QR, Symbology::kQRCode, 1,
-       [kana](Rng&, int) { return kana; }, [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "shift_jis"); },
-       Fixed(200, 200), [kana_sjis](const std::string&) { return kana_sjis; }, true},
-      {"QR Code, Shift_JIS text carried as UTF-8", BARCODE_QR, Symbology::kQRCode, 1,
-       [kana_sjis](Rng&, int) { return kana_sjis; },
-       [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "UTF-8"); }, Fixed(200, 200),
-       [kana](const std::string&) { return kana; }, true},
       // Every scheme, chosen automatically and forced, each on a character set it favours.
       TwoDRow("DataMatrix automatic", BARCODE_DATAMATRIX, 42,
               Cycle({From(kDigits, 120), From(kUpper, 120), From(kLower, 120), From(kX12, 120), From(kEdifact, 120),
@@ -415,9 +353,6 @@ std::vector<RoundTripRow> Rows() {
               Cycle({From(kDigits, 300), From(kUpper, 200), From(kLower, 200), From(kPunctuation, 200),
                      From(printable, 90), MixedText}),
               nullptr),
-      TwoDRow(
-          "PDF417 Shift_JIS", BARCODE_PDF417, 10, JapaneseText,
-          [](BarcodeHandle* h, int) { barcode_set_string_encoding(h, "shift-jis"); }, 0, ToShiftJis),
       TwoDRow("PDF417 binary", BARCODE_PDF417, 20, RandomBytes, nullptr, 0, nullptr, true),
       // Every level, every column count, fixed rows, aspect ratios and row heights.
       TwoDRow("PDF417 settings", BARCODE_PDF417, 60, Cycle({MixedText, From(kLower, 40), From(kUpper, 60)}),
@@ -456,21 +391,20 @@ TEST_P(RoundTripTest, EveryPayloadScans) {
     }
     const testing::Decoded result = testing::DecodeHandle(handle.get(), row.reader);
     const std::string& got = row.compare_bytes ? result.bytes : result.text;
-    const bool identified = row.identifier == nullptr || result.symbology_identifier == row.identifier;
-    EXPECT_TRUE(result.ok && got == expected && identified)
+    EXPECT_TRUE(result.ok && got == expected)
         << "payload " << i << " '" << text << "' in " << box.width << "x" << box.height << " read '" << got << "' as "
         << result.symbology_identifier;
-    decoded += result.ok && got == expected && identified ? 1 : 0;
+    decoded += result.ok && got == expected ? 1 : 0;
   }
   EXPECT_EQ(decoded, row.payloads);
 }
 
 INSTANTIATE_TEST_SUITE_P(Symbologies, RoundTripTest, ::testing::ValuesIn(Rows()),
                          [](const ::testing::TestParamInfo<RoundTripRow>& info) {
-                           std::string name;
-                           for (const char* c = info.param.name; *c != '\0'; ++c) {
-                             if (std::isalnum(static_cast<unsigned char>(*c)) != 0) name += *c;
-                           }
+                           std::string name = info.param.name;
+                           name.erase(std::remove_if(name.begin(), name.end(),
+                                                     [](unsigned char c) { return std::isalnum(c) == 0; }),
+                                      name.end());
                            return name + "_" + std::to_string(info.index);
                          });
 

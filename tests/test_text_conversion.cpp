@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,7 @@ const Bytes kEAcuteUtf8 = {0xC3, 0xA9};  // é, not in Shift_JIS
 const Bytes kTimesUtf8 = {0xC3, 0x97};   // ×
 const Bytes kTimesSjis = {0x81, 0x7E};
 
-TEST(ConvertStringToBytes, EverySpellingOfTheSetting) {
+TEST(ConvertStringToBytes, EverySpellingOfTheSettingAndTheDirectConversions) {
   struct Case {
     const char* setting;
     Bytes text;
@@ -49,10 +50,26 @@ TEST(ConvertStringToBytes, EverySpellingOfTheSetting) {
       {"UTF-8", {'o', 'k', 0x82}, {}},
       {"shift-jis", kEAcuteUtf8, {}},
       {"shift_jis", {'a', 0xF0, 0x9F, 0x98, 0x80}, {}},  // an emoji has no Shift_JIS form
+      // The direct conversions follow the heuristic: UTF-8 kana scan as Shift_JIS.
+      {"ConvertToUtf8", kHiraganaASjis, kHiraganaAUtf8},
+      {"ConvertToUtf8", kHiraganaAUtf8, {}},
+      {"ConvertToSJis", kTimesUtf8, kTimesSjis},
+      {"ConvertToSJis", kHiraganaAUtf8, kHiraganaAUtf8},
+      {"ConvertToSJis", kEAcuteUtf8, {}},
+      {"convertUTF8", kHiraganaASjis, kHiraganaASjis},
+      {"convertShiftJIS", {0x61, 0xC3, 0xA9}, {0x61, 0x3F, 0x3F}},
   };
+  const std::map<std::string, Bytes (*)(const std::string&)> direct = {
+      {"ConvertToUtf8", BarcodeBase2D::ConvertToUtf8},
+      {"ConvertToSJis", BarcodeBase2D::ConvertToSJis},
+      {"convertUTF8", BarcodeBase2D::convertUTF8},
+      {"convertShiftJIS", BarcodeBase2D::convertShiftJIS}};
   for (const Case& c : cases) {
-    EXPECT_EQ(BarcodeBase2D::ConvertStringToBytes(Text(c.text), c.setting), c.expected)
-        << "setting '" << c.setting << "', text of " << c.text.size() << " bytes";
+    const auto function = direct.find(c.setting);
+    EXPECT_EQ(function != direct.end() ? function->second(Text(c.text))
+                                       : BarcodeBase2D::ConvertStringToBytes(Text(c.text), c.setting),
+              c.expected)
+        << "'" << c.setting << "', text of " << c.text.size() << " bytes";
   }
   EXPECT_TRUE(BarcodeBase2D::ConvertStringToBytes("", "shift-jis").empty());
 }
@@ -98,26 +115,6 @@ TEST(EncodingHeuristics, KeptAsymmetries) {
     EXPECT_TRUE(c.shift_jis < 0 || BarcodeBase2D::IsShiftJIS(text) == (c.shift_jis == 1)) << "heuristic of " << shown;
     EXPECT_TRUE(c.detected == nullptr || BarcodeBase2D::DetectEncoding(text) == c.detected) << "detection of " << shown;
   }
-}
-
-TEST(DirectConversions, FollowTheHeuristic) {
-  struct Case {
-    const char* name;
-    Bytes (*convert)(const std::string&);
-    Bytes text;
-    Bytes expected;
-  };
-  const std::vector<Case> cases = {
-      {"ConvertToUtf8 of Shift_JIS", BarcodeBase2D::ConvertToUtf8, kHiraganaASjis, kHiraganaAUtf8},
-      // UTF-8 kana scan as Shift_JIS and then fail as Shift_JIS.
-      {"ConvertToUtf8 of UTF-8 kana", BarcodeBase2D::ConvertToUtf8, kHiraganaAUtf8, {}},
-      {"ConvertToSJis of UTF-8", BarcodeBase2D::ConvertToSJis, kTimesUtf8, kTimesSjis},
-      {"ConvertToSJis of UTF-8 kana passes", BarcodeBase2D::ConvertToSJis, kHiraganaAUtf8, kHiraganaAUtf8},
-      {"ConvertToSJis of é fails", BarcodeBase2D::ConvertToSJis, kEAcuteUtf8, {}},
-      {"convertUTF8", BarcodeBase2D::convertUTF8, kHiraganaASjis, kHiraganaASjis},
-      {"convertShiftJIS", BarcodeBase2D::convertShiftJIS, {0x61, 0xC3, 0xA9}, {0x61, 0x3F, 0x3F}},
-  };
-  for (const Case& c : cases) EXPECT_EQ(c.convert(Text(c.text)), c.expected) << c.name;
 }
 
 // Records what the byte-level Draw receives.

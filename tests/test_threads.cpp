@@ -85,8 +85,7 @@ TEST(ThreadsTest, CheckDigitWritesNeverTear) {
   }
   for (std::thread& thread : threads) thread.join();
   for (int t = 0; t < kThreads; ++t) EXPECT_EQ(moved[t], 0) << "thread " << t;
-  EXPECT_EQ(std::strlen(shared), 1U);
-  EXPECT_TRUE(shared[0] >= '0' && shared[0] <= '9');
+  EXPECT_TRUE(std::strlen(shared) == 1 && shared[0] >= '0' && shared[0] <= '9') << shared;
 }
 
 }  // namespace

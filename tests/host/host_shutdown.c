@@ -29,35 +29,14 @@ struct Library {
 /* Draws Code 128 with its text line; copies the PNG into `out` (malloc'd). */
 static int DrawOnce(const struct Library* lib, uint8_t** out, uint32_t* out_size) {
   BarcodeHandle* handle = lib->create(BARCODE_CODE128);
-  uint32_t size = 0;
-  const uint8_t* png;
-  if (handle == NULL) return 0;
-  if (!lib->draw_1d(handle, "HOST-42", 300, 100)) {
-    lib->destroy(handle);
-    return 0;
+  const uint8_t* png = NULL;
+  if (handle != NULL && lib->draw_1d(handle, "HOST-42", 300, 100)) png = lib->image_data(handle, out_size);
+  if (png != NULL && *out_size > 0) {
+    *out = (uint8_t*)malloc(*out_size);
+    memcpy(*out, png, *out_size);
   }
-  png = lib->image_data(handle, &size);
-  if (png == NULL || size == 0) {
-    lib->destroy(handle);
-    return 0;
-  }
-  *out = (uint8_t*)malloc(size);
-  memcpy(*out, png, size);
-  *out_size = size;
-  lib->destroy(handle);
-  return 1;
-}
-
-static int HostInit(void) {
-  if (SDL_Init(0) != 0 || TTF_Init() != 0) return 0;
-  IMG_Init(IMG_INIT_PNG);
-  return 1;
-}
-
-static void HostQuit(void) {
-  TTF_Quit();
-  IMG_Quit();
-  SDL_Quit();
+  if (handle != NULL) lib->destroy(handle);
+  return *out != NULL;
 }
 
 int main(int argc, char** argv) {
@@ -74,7 +53,8 @@ int main(int argc, char** argv) {
   void* loaded = NULL;
   int same;
 
-  if (!HostInit()) return 10;
+  if (SDL_Init(0) != 0 || TTF_Init() != 0) return 10;
+  IMG_Init(IMG_INIT_PNG);
   if (strcmp(mode, "dlclose") == 0) {
     if (argc < 3) return 11;
     loaded = dlopen(argv[2], RTLD_NOW | RTLD_LOCAL);
@@ -99,6 +79,8 @@ int main(int argc, char** argv) {
   }
   free(first);
   if (loaded != NULL && dlclose(loaded) != 0) return 30;
-  HostQuit();
+  TTF_Quit();
+  IMG_Quit();
+  SDL_Quit();
   return 0;
 }
