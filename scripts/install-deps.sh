@@ -7,7 +7,7 @@ packages=(
   build-essential cmake pkg-config
   libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev libpng-dev
   fonts-roboto-unhinted
-  libgtest-dev libbenchmark-dev libzxing-dev
+  libgtest-dev libbenchmark-dev libzxing-dev libzint-dev
   clang libclang-rt-dev clang-format
 )
 
