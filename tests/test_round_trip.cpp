@@ -330,6 +330,15 @@ std::vector<RoundTripRow> Rows() {
          return Box{side, side + static_cast<int>(rng() % 30)};
        },
        nullptr, true},
+      // Numeric mode at the versions where the count field grows (9/10 and 26/27).
+      {"QR Code, numeric mode at the count-field boundaries", BARCODE_QR, Symbology::kQRCode, 8,
+       [](Rng& rng, int) { return Random(rng, kDigits, 1, 200); },
+       [](BarcodeHandle* h, int i) {
+         static constexpr int kVersions[] = {9, 10, 26, 27};
+         barcode_set_encode_mode(h, "NUMERIC");
+         barcode_set_version(h, kVersions[i % 4]);
+       },
+       Fixed(500, 500)},
       // Every scheme, chosen automatically and forced, each on a character set it favours.
       TwoDRow("DataMatrix automatic", BARCODE_DATAMATRIX, 42,
               Cycle({From(kDigits, 120), From(kUpper, 120), From(kLower, 120), From(kX12, 120), From(kEdifact, 120),
