@@ -20,6 +20,7 @@
 using barcode_orv::BarcodeBase;
 using barcode_orv::BarcodeBase1D;
 using barcode_orv::ffi::GuardDraw;
+using barcode_orv::ffi::GuardSetter;
 using barcode_orv::ffi::ObjectFor;
 using barcode_orv::ffi::ObjectOf;
 
@@ -38,15 +39,6 @@ float NarrowToFloat(double value) {
 BarcodeBase1D* LinearObject(BarcodeHandle* handle) {
   if (handle == nullptr || !barcode_orv::ffi::IsLinearType(handle->type)) return nullptr;
   return dynamic_cast<BarcodeBase1D*>(handle->object.get());
-}
-
-// Runs a setter body; options never report errors.
-template <typename Body>
-void GuardSetter(Body&& body) noexcept {
-  try {
-    body();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): a setter has no error channel
-  }
 }
 
 const char* StoreTextResult(BarcodeHandle* handle, std::string (*fetch)(BarcodeBase&)) noexcept {

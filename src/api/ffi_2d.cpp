@@ -16,6 +16,7 @@ using barcode_orv::PDF417;
 using barcode_orv::QR;
 using barcode_orv::QRErrorCorrectionLevel;
 using barcode_orv::ffi::GuardDraw;
+using barcode_orv::ffi::GuardSetter;
 using barcode_orv::ffi::ObjectFor;
 
 namespace {
@@ -42,15 +43,6 @@ const char* ModeFromText(const char* text) {
   if (Is(text, "ALPHANUMERIC")) return "A";
   if (Is(text, "KANJI")) return "K";
   return text;
-}
-
-// Runs a setter; options have no error channel, so nothing may escape.
-template <typename Body>
-void GuardSetter(Body&& body) noexcept {
-  try {
-    body();
-  } catch (...) {  // NOLINT(bugprone-empty-catch)
-  }
 }
 
 DataMatrix* DataMatrixObject(BarcodeHandle* handle) {

@@ -37,6 +37,15 @@ inline BarcodeBase* ObjectFor(BarcodeHandle* handle, std::initializer_list<int> 
 
 inline BarcodeBase* ObjectOf(BarcodeHandle* handle) { return handle == nullptr ? nullptr : handle->object.get(); }
 
+// Runs a setter body; options have no error channel, so nothing may escape.
+template <typename Body>
+void GuardSetter(Body&& body) noexcept {
+  try {
+    body();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): a setter has no error channel
+  }
+}
+
 // Runs a draw on `handle` and keeps its outcome for barcode_get_last_error. Nothing but
 // the documented capacity error leaves, and that one only while the handle asks for it.
 template <typename Body>
