@@ -60,10 +60,12 @@ void ExpectSamePixels(SDL_Surface* surface, const std::vector<uint8_t>& png) {
 
 // Up to 256 colours: a palette PNG (colour type 3) at the smallest bit depth; more: RGBA (6).
 TEST(PngEncoderTest, PaletteImagesKeepEveryPixelAtEachBitDepth) {
-  const std::tuple<int, bool, int> cases[] = {{1, false, 1},  {2, false, 1},  {2, true, 1},  {3, false, 2},
-                                              {4, true, 2},   {5, false, 4},  {16, true, 4}, {17, false, 8},
-                                              {200, true, 8}, {256, true, 8}, {257, true, 8}};
-  for (const auto& [colours, translucent, bit_depth] : cases) {
+  // repeat_every 1: every row repeats the first, as bars without text give them.
+  const std::tuple<int, bool, int, int> cases[] = {
+      {1, false, 1, 4},  {2, false, 1, 4},  {2, false, 1, 1}, {2, true, 1, 4},   {3, false, 2, 4},
+      {4, true, 2, 4},   {5, false, 4, 4},  {16, true, 4, 4}, {17, false, 8, 4}, {17, false, 8, 1},
+      {200, true, 8, 4}, {256, true, 8, 4}, {257, true, 8, 4}};
+  for (const auto& [colours, translucent, bit_depth, repeat_every] : cases) {
     // An odd width, so packed rows end in a partial byte; runs, scattered pixels and
     // repeated rows, as bars, modules and text give them.
     SurfacePtr surface = MakeSurface(61, 23);
@@ -73,7 +75,8 @@ TEST(PngEncoderTest, PaletteImagesKeepEveryPixelAtEachBitDepth) {
     auto* pixels = static_cast<uint32_t*>(surface->pixels);
     for (int i = 0; i < 61 * 23; ++i) {
       const int row = i / 61;
-      pixels[i] = row % 4 == 3 ? pixels[i - 61] : palette[(i / 3 + rng() % 2) % palette.size()];
+      const bool repeats = row > 0 && row % repeat_every == repeat_every - 1;
+      pixels[i] = repeats ? pixels[i - 61] : palette[(i / 3 + rng() % 2) % palette.size()];
     }
     for (size_t k = 0; k < palette.size(); ++k) pixels[k] = palette[k];  // every colour appears
     const std::vector<uint8_t> png = EncodeSurfacePng(surface.get());

@@ -56,6 +56,7 @@ struct PaletteImage {
   std::vector<png_byte> alpha;  // tRNS: translucent entries come first, so it stays short
   std::vector<png_byte> packed;
   std::vector<png_bytep> rows;
+  size_t distinct_rows = 0;
 };
 
 int BitDepthFor(size_t colour_count) {
@@ -150,6 +151,7 @@ std::optional<PaletteImage> ToPaletteImage(const SDL_Surface* surface) {
   for (size_t row = 0; row < unique_rows; ++row) {
     PackRow(image.packed.data() + row * width, surface->w, image.bit_depth, order);
   }
+  image.distinct_rows = unique_rows;
   image.rows.resize(static_cast<size_t>(surface->h));
   for (size_t y = 0; y < image.rows.size(); ++y) image.rows[y] = image.packed.data() + row_offset[y];
   return image;
@@ -202,19 +204,28 @@ class PngWriteStruct {
   png_infop info_ = nullptr;
 };
 
-// Measured on bar, module and text images against the best filter at level 9: two-colour
-// pictures (bars, modules) reach that size or better at level 4 with the "filtered"
-// strategy and no row filter, at a third of level 9's time; pictures with anti-aliased
-// text stay within 1.25 x of it at level 1, and with zlib's smaller memory level, which
-// spares a fresh hash table per image, they come out a quarter faster at the same size.
+// How the rows go through zlib, chosen by measurement against the best row filter at
+// zlib level 9 (the bench's compact encoding):
+// - Two-colour pictures of many distinct rows (2D symbols): level 4, the "filtered"
+//   strategy, no row filter; as small as the reference at a third of its time.
+// - Two-colour pictures of a few distinct rows (bars without the text line): level 3 with
+//   a small hash table. Each row is one literal run and then long copies, which zlib's
+//   fast matcher finds without hashing every byte; level 4 took twice the time and 64 KB
+//   of table clearing per image for a dozen bytes less.
+// - More colours (anti-aliased text): level 3, a row that repeats the one above filtered
+//   "Up" (all zeros), every other row unfiltered. Without the Up rows a wide picture came
+//   out 12 x the reference; level 1 left text-heavy pictures 1.3-1.5 x it.
 struct Compression {
   int level;
   int strategy;
   int memory_level;
+  bool up_filter_on_repeats;
 };
-Compression CompressionFor(int bit_depth) {
-  if (bit_depth == 1) return Compression{4, Z_FILTERED, 8};
-  return Compression{1, Z_DEFAULT_STRATEGY, 4};
+constexpr size_t kFewDistinctRows = 8;
+Compression CompressionFor(const PaletteImage& image) {
+  if (image.bit_depth > 1) return Compression{3, Z_DEFAULT_STRATEGY, 4, true};
+  if (image.distinct_rows <= kFewDistinctRows) return Compression{3, Z_DEFAULT_STRATEGY, 4, false};
+  return Compression{4, Z_FILTERED, 8, false};
 }
 
 // Holds only trivially destructible locals: libpng's errors longjmp back into it.
@@ -225,16 +236,24 @@ bool WritePaletteImage(png_structp png, png_infop info, const PaletteImage& imag
                image.bit_depth, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
                PNG_FILTER_TYPE_DEFAULT);
   png_set_PLTE(png, info, image.palette.data(), static_cast<int>(image.palette.size()));
+  png_set_check_for_invalid_index(png, 0);  // indices come from the palette itself; the check cost a tenth
   if (!image.alpha.empty()) {
     png_set_tRNS(png, info, image.alpha.data(), static_cast<int>(image.alpha.size()), nullptr);
   }
-  const Compression compression = CompressionFor(image.bit_depth);
+  const Compression compression = CompressionFor(image);
   png_set_compression_level(png, compression.level);
   png_set_compression_strategy(png, compression.strategy);
   png_set_compression_mem_level(png, compression.memory_level);
-  png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
+  // Up must be among the filters when the first row starts, or libpng keeps no previous row.
+  png_set_filter(png, PNG_FILTER_TYPE_BASE, compression.up_filter_on_repeats ? PNG_FILTER_UP : PNG_FILTER_NONE);
   png_write_info(png, info);
-  png_write_rows(png, const_cast<png_bytepp>(image.rows.data()), static_cast<png_uint_32>(image.height));
+  for (size_t y = 0; y < image.rows.size(); ++y) {
+    if (compression.up_filter_on_repeats && y > 0) {
+      const bool repeats = image.rows[y] == image.rows[y - 1];  // shared storage: see ToPaletteImage
+      png_set_filter(png, PNG_FILTER_TYPE_BASE, repeats ? PNG_FILTER_UP : PNG_FILTER_NONE);
+    }
+    png_write_row(png, image.rows[y]);
+  }
   png_write_end(png, nullptr);
   return true;
 }
