@@ -5,6 +5,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <mutex>
 #include <stdexcept>
 
@@ -178,6 +179,38 @@ void BarcodeBase::FillRectF(float x, float y, float width, float height, SDL_Col
 void BarcodeBase::FillRect(int x, int y, int width, int height, SDL_Color color) {
   if (width <= 0 || height <= 0) return;
   FillClipped(x, y, static_cast<double>(x) + width, static_cast<double>(y) + height, color);
+}
+
+void BarcodeBase::FillSpans(const std::vector<Span>& spans, int top, int height, SDL_Color color) {
+  if (spans.empty() || height <= 0) return;
+  if (!OwnsCanvas() || canvas_renderer() != renderer_.get() || height == 1) {
+    for (const Span& span : spans) FillRect(span.x, top, span.width, height, color);
+    return;
+  }
+  const int first = std::max(top, 0);
+  const int end = static_cast<int>(std::min<int64_t>(int64_t{top} + height, surface_->h));
+  if (first >= end) return;
+  // The pixels FillOwnCanvas writes, without its per-call flush and colour mapping.
+  SDL_RenderFlush(renderer_.get());
+  const Uint32 pixel = SDL_MapRGBA(surface_->format, color.r, color.g, color.b, color.a);
+  auto* const first_row = reinterpret_cast<Uint32*>(static_cast<uint8_t*>(surface_->pixels) +
+                                                    static_cast<ptrdiff_t>(first) * surface_->pitch);
+  int64_t left = surface_->w;
+  int64_t right = 0;
+  for (const Span& span : spans) {
+    const int64_t from = std::clamp<int64_t>(span.x, 0, surface_->w);
+    const int64_t to = std::clamp<int64_t>(int64_t{span.x} + std::max(span.width, 0), 0, surface_->w);
+    if (to <= from) continue;
+    std::fill(first_row + from, first_row + to, pixel);
+    left = std::min(left, from);
+    right = std::max(right, to);
+  }
+  if (right <= left) return;
+  auto* const pixels = static_cast<uint8_t*>(surface_->pixels) + left * 4;
+  const uint8_t* const source = pixels + static_cast<ptrdiff_t>(first) * surface_->pitch;
+  const auto bytes = static_cast<size_t>(right - left) * 4;
+  for (int y = first + 1; y < end; ++y)
+    std::memcpy(pixels + static_cast<ptrdiff_t>(y) * surface_->pitch, source, bytes);
 }
 
 void BarcodeBase::FillClipped(double left, double top, double right, double bottom, SDL_Color color) {

@@ -98,6 +98,14 @@ class BarcodeBase : public IBarcodeSymbology {
   // to the nearest pixel; everything is clipped to the canvas.
   void FillRectF(float x, float y, float width, float height, SDL_Color color);
   void FillRect(int x, int y, int width, int height, SDL_Color color);
+  // Fills each span (x, width) on the `height` pixel rows from `top`. Only for rows that
+  // hold nothing but background within the spans' extent: on the own canvas the first
+  // visible row is filled and then copied down, the same pixels in a fraction of the work.
+  struct Span {
+    int x;
+    int width;
+  };
+  void FillSpans(const std::vector<Span>& spans, int top, int height, SDL_Color color);
   void ClearCanvas(SDL_Color color);
 
   // SVG document builder.

@@ -118,11 +118,13 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
 
   const std::vector<int> col_edges = RoundedEdges(x, module_width, modules.cols, quiet);
   const std::vector<int> unit_edges = RoundedEdges(y, module_height, modules.module_rows(), quiet);
+  std::vector<Span> spans;
   for (int row = 0; row < modules.rows; ++row) {
     const int top = unit_edges[static_cast<size_t>(row) * modules.row_height];
     const int bottom = unit_edges[static_cast<size_t>(row + 1) * modules.row_height];
     const int painted_height = AdjustedExtent(top, bottom, px_adjust_black);
     if (painted_height < 1) continue;
+    spans.clear();
     for (int col = 0; col < modules.cols; ++col) {
       if (!modules.dark(col, row)) continue;
       int end = col + 1;
@@ -130,8 +132,14 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
         while (end < modules.cols && modules.dark(end, row)) ++end;
       }
       const int painted_width = AdjustedExtent(col_edges[col], col_edges[end], px_adjust_black);
-      if (painted_width >= 1) FillRect(col_edges[col], top, painted_width, painted_height, fore_color);
+      if (painted_width >= 1) spans.push_back(Span{col_edges[col], painted_width});
       col = end - 1;
+    }
+    // Widened modules reach into the next row's band, which a copied row would erase.
+    if (px_adjust_black <= 0) {
+      FillSpans(spans, top, painted_height, fore_color);
+    } else {
+      for (const Span& span : spans) FillRect(span.x, top, span.width, painted_height, fore_color);
     }
   }
   return true;
