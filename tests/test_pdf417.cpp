@@ -67,6 +67,22 @@ TEST(Pdf417Encoder, PublishedReedSolomonCoefficients) {
   EXPECT_EQ(internal_pdf417::GeneratorCoefficients(2), (std::vector<int>{237, 308, 436, 284, 646, 653, 428, 379}));
 }
 
+// A full symbol's data at every level, values up to 928: catches a register that
+// overflows or is reduced at the wrong point. The sums are those of the division that
+// reduces every cell at every step.
+TEST(Pdf417Encoder, ErrorCorrectionOfFullSymbols) {
+  const long expected[] = {1989, 2883, 14549, 55968, 220073, 1115152, 3954955, 14923235, 61114252};
+  for (int level = 0; level <= 8; ++level) {
+    std::vector<int> data(static_cast<size_t>(928 - (2 << level)));
+    for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<int>((i * 857 + 928) % 929);
+    const std::vector<int> ecc = internal_pdf417::ErrorCorrection(data, level);
+    ASSERT_EQ(ecc.size(), size_t{2} << level);
+    long weighted = 0;
+    for (size_t i = 0; i < ecc.size(); ++i) weighted += static_cast<long>(i + 1) * ecc[i];
+    EXPECT_EQ(weighted, expected[level]) << "level " << level;
+  }
+}
+
 TEST(Pdf417Encoder, LevelsAndCapacity) {
   const std::vector<uint8_t> hello = Bytes("HELLO");
   for (int level = 0; level <= 8; ++level) {

@@ -1,8 +1,10 @@
 #include "twod/pdf417_encoder.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cmath>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -414,37 +416,63 @@ int RecommendedLevel(int data_codewords) {
   return level;
 }
 
-std::vector<int> GeneratorCoefficients(int level) {
-  const int k = 2 << level;
-  std::vector<int> g{1};  // ascending powers
-  int root = 1;
-  for (int i = 1; i <= k; ++i) {
-    root = root * 3 % kCodewordValues;
-    std::vector<int> next(g.size() + 1, 0);
-    for (size_t j = 0; j < g.size(); ++j) {
-      next[j + 1] = (next[j + 1] + g[j]) % kCodewordValues;
-      next[j] = (next[j] + kCodewordValues - g[j] * root % kCodewordValues) % kCodewordValues;
+namespace {
+
+// The nine generator polynomials (levels 0-8, 2^(level+1) coefficients each, ascending
+// powers without the leading 1), one after another: built once at compile time.
+constexpr int GeneratorOffset(int level) { return (2 << level) - 2; }
+constexpr int kGeneratorCoefficients = GeneratorOffset(kMaxLevel + 1);
+
+struct GeneratorTable {
+  std::array<int, kGeneratorCoefficients> coefficients{};
+  constexpr GeneratorTable() {
+    for (int level = 0; level <= kMaxLevel; ++level) {
+      const int k = 2 << level;
+      std::array<int, 513> g{};  // g[0..size) ascending, leading coefficient last
+      g[0] = 1;
+      int size = 1;
+      int root = 1;
+      for (int i = 1; i <= k; ++i) {
+        root = root * 3 % kCodewordValues;
+        // g = g * (x - root)
+        g[size] = 0;
+        for (int j = size; j > 0; --j) {
+          g[j] = (g[j - 1] + kCodewordValues - g[j] * root % kCodewordValues) % kCodewordValues;
+        }
+        g[0] = (kCodewordValues - g[0] * root % kCodewordValues) % kCodewordValues;
+        ++size;
+      }
+      for (int j = 0; j < k; ++j) coefficients[GeneratorOffset(level) + j] = g[j];
     }
-    g = std::move(next);
   }
-  g.pop_back();  // the leading 1
-  return g;
+};
+constexpr GeneratorTable kGenerators;
+static_assert(kGenerators.coefficients[0] == 27 && kGenerators.coefficients[1] == 917, "level 0 generator");
+
+}  // namespace
+
+std::vector<int> GeneratorCoefficients(int level) {
+  const int* first = kGenerators.coefficients.data() + GeneratorOffset(level);
+  return std::vector<int>(first, first + (2 << level));
 }
 
 std::vector<int> ErrorCorrection(const std::vector<int>& data, int level) {
-  const std::vector<int> a = GeneratorCoefficients(level);
-  const size_t k = a.size();
-  std::vector<int> c(k, 0);
+  const int* a = kGenerators.coefficients.data() + GeneratorOffset(level);
+  const size_t k = size_t{2} << level;
+  // Division by the generator with the register kept unreduced: each cell gathers at most
+  // k products below 929 x 929 (under 2^32 for k = 512), so only the cell that feeds
+  // back is reduced on the way.
+  std::array<uint32_t, 512> negated{};
+  for (size_t j = 0; j < k; ++j) negated[j] = static_cast<uint32_t>((kCodewordValues - a[j]) % kCodewordValues);
+  std::array<uint32_t, 512> c{};
   for (int d : data) {
-    const int t1 = (d + c[k - 1]) % kCodewordValues;
-    for (size_t j = k - 1; j > 0; --j) {
-      c[j] = (c[j - 1] + kCodewordValues - t1 * a[j] % kCodewordValues) % kCodewordValues;
-    }
-    c[0] = (kCodewordValues - t1 * a[0] % kCodewordValues) % kCodewordValues;
+    const uint32_t t1 = (static_cast<uint32_t>(d) + c[k - 1]) % kCodewordValues;
+    for (size_t j = k - 1; j > 0; --j) c[j] = c[j - 1] + t1 * negated[j];
+    c[0] = t1 * negated[0];
   }
   std::vector<int> out(k);
   for (size_t j = 0; j < k; ++j) {
-    const int r = c[k - 1 - j];
+    const auto r = static_cast<int>(c[k - 1 - j] % kCodewordValues);
     out[j] = r == 0 ? 0 : kCodewordValues - r;
   }
   return out;
