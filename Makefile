@@ -24,10 +24,13 @@ test: build
 demo: build
 	bash scripts/make-gallery.sh $(BUILD_DIR)/barcode-orv out
 
+# Medians of five runs each, so the ratios printed at the end of bench_draw are steady.
+BENCH_FLAGS ?= --benchmark_repetitions=5 --benchmark_report_aggregates_only=true --benchmark_min_time=0.2
+
 bench: deps
 	cmake -S . -B $(BUILD_DIR)-bench -DCMAKE_BUILD_TYPE=Release -DBARCODE_ORV_BUILD_TESTS=OFF -DBARCODE_ORV_BUILD_BENCH=ON
 	cmake --build $(BUILD_DIR)-bench -j $(JOBS)
-	for program in $(BUILD_DIR)-bench/bench_*; do $$program; done
+	for program in $(BUILD_DIR)-bench/bench_*; do $$program $(BENCH_FLAGS); done
 
 sanitize: deps
 	cmake -S . -B $(BUILD_DIR)-asan -DCMAKE_BUILD_TYPE=Debug -DBARCODE_ORV_SANITIZE=ON $(CMAKE_FLAGS)
