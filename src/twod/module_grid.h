@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 namespace barcode_orv {
@@ -28,20 +27,35 @@ class ModuleGrid {
   std::vector<uint8_t> cells_;
 };
 
-// What the painter needs of any module matrix: its extent and a dark-module query.
+// What the painter needs of any module matrix: its extent and a dark-module query. The
+// query is a plain function over the matrix, not a std::function: the painter asks once a
+// module, and the second indirection showed in the profile.
 struct ModuleView {
   int cols = 0;
   int rows = 0;
-  std::function<bool(int col, int row)> dark;
+  const void* matrix = nullptr;
+  bool (*dark_at)(const void* matrix, int col, int row) = nullptr;
   // Modules of height each row takes (PDF417 rows are several modules high).
   int row_height = 1;
   // Paint each run of dark modules in a row as one rectangle (a bar), with
   // px_adjust_black added once to its width, instead of one rectangle a module.
   bool merge_runs = false;
 
-  static ModuleView Of(const ModuleGrid& grid) {
-    return {grid.cols(), grid.rows(), [&grid](int col, int row) { return grid.dark(col, row); }};
+  // Any matrix with dark(col, row); it must outlive the view.
+  template <typename Matrix>
+  static ModuleView Over(const Matrix& matrix, int cols, int rows) {
+    ModuleView view;
+    view.cols = cols;
+    view.rows = rows;
+    view.matrix = &matrix;
+    view.dark_at = [](const void* source, int col, int row) {
+      return static_cast<const Matrix*>(source)->dark(col, row);
+    };
+    return view;
   }
+  static ModuleView Of(const ModuleGrid& grid) { return Over(grid, grid.cols(), grid.rows()); }
+
+  bool dark(int col, int row) const { return dark_at(matrix, col, row); }
   int module_rows() const { return rows * row_height; }
 };
 
