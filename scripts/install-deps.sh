@@ -5,9 +5,9 @@ set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config
-  libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev libpng-dev
+  libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev zlib1g-dev
   fonts-roboto-unhinted
-  libgtest-dev libbenchmark-dev libzxing-dev libzint-dev
+  libgtest-dev libbenchmark-dev libzxing-dev libzint-dev libpng-dev
   clang libclang-rt-dev clang-format
 )
 
