@@ -244,11 +244,16 @@ void BarcodeBase::FillClipped(double left, double top, double right, double bott
 }
 
 std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {
+  PngEncoder encoder;
+  return SaveSurfaceToMemory(surface, &encoder);
+}
+
+std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface, PngEncoder* encoder) {
   if (surface == nullptr) {
     log::Progress("ERROR: サーフェスがnullです");
     return {};
   }
-  std::vector<uint8_t> png = EncodeSurfacePng(surface);
+  std::vector<uint8_t> png = encoder->Encode(surface);
   if (png.empty()) {
     const std::string line = std::string("ERROR: PNG保存に失敗しました: ") + SDL_GetError();
     log::Progress(line);
@@ -264,7 +269,7 @@ std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {
 
 std::vector<uint8_t> BarcodeBase::GetImageMemory() {
   if (SDL_Renderer* renderer = canvas_renderer()) SDL_RenderPresent(renderer);
-  return SaveSurfaceToMemory(surface_.get());
+  return SaveSurfaceToMemory(surface_.get(), &png_encoder_);
 }
 
 std::string BarcodeBase::GetImageBase64() {
@@ -273,7 +278,7 @@ std::string BarcodeBase::GetImageBase64() {
   }
   try {
     if (SDL_Renderer* renderer = canvas_renderer()) SDL_RenderPresent(renderer);
-    const std::vector<uint8_t> png = SaveSurfaceToMemory(surface_.get());
+    const std::vector<uint8_t> png = SaveSurfaceToMemory(surface_.get(), &png_encoder_);
     // The canvas is consumed: a data URI is fetched once per draw.
     ReleaseCanvas();
     if (png.empty()) return GetFallbackImage();

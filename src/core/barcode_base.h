@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/png_encoder.h"
 #include "core/sdl_handles.h"
 
 namespace barcode_orv {
@@ -89,6 +90,8 @@ class BarcodeBase : public IBarcodeSymbology {
   bool CreateSurface(int width, int height);
   // PNG file bytes of `surface`; empty on failure.
   static std::vector<uint8_t> SaveSurfaceToMemory(SDL_Surface* surface);
+  // The same through `encoder`, which keeps its working memory for the next image.
+  static std::vector<uint8_t> SaveSurfaceToMemory(SDL_Surface* surface, PngEncoder* encoder);
 
   // The renderer draws go to: the object's own canvas, else the caller's renderer.
   SDL_Renderer* canvas_renderer() const { return renderer_ ? renderer_.get() : external_canvas_; }
@@ -145,6 +148,7 @@ class BarcodeBase : public IBarcodeSymbology {
   SurfacePtr surface_;
   RendererPtr spare_renderer_;  // a released canvas kept for reuse
   SurfacePtr spare_surface_;
+  PngEncoder png_encoder_;  // kept between draws like the canvas
   std::string svg_;
 };
 

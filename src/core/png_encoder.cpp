@@ -4,7 +4,6 @@
 #include <zlib.h>
 
 #include <array>
-#include <csetjmp>
 #include <cstring>
 #include <iterator>
 #include <optional>
@@ -204,66 +203,29 @@ uint32_t AdlerOfZeroRunAfter(uint32_t adler, uint8_t first, size_t zeros) {
   return static_cast<uint32_t>((s2 << 16) | s1);
 }
 
-// Every row behind its filter-type byte, as the image data stream holds them, and the
-// stream's Adler-32.
-struct FilteredRows {
-  std::vector<uint8_t> bytes;
-  uint32_t adler = 1;
-};
-
-FilteredRows FilterRows(const PaletteImage& image, bool up_filter_on_repeats) {
+// Writes every row behind its filter-type byte into `stream`, as the image data holds
+// them, and returns the stream's Adler-32.
+uint32_t FilterRows(const PaletteImage& image, bool up_filter_on_repeats, std::vector<uint8_t>* stream) {
   const int per_byte = 8 / image.bit_depth;
   const size_t row_bytes = (static_cast<size_t>(image.width) + per_byte - 1) / per_byte;
   const size_t stride = row_bytes + 1;
-  FilteredRows filtered;
-  filtered.bytes.resize(stride * image.rows.size());
+  stream->resize(stride * image.rows.size());
+  uint32_t adler = 1;
   for (size_t y = 0; y < image.rows.size(); ++y) {
-    uint8_t* out = filtered.bytes.data() + y * stride;
+    uint8_t* out = stream->data() + y * stride;
     // Rows equal to the one above share its storage (see ToPaletteImage).
     if (up_filter_on_repeats && y > 0 && image.rows[y] == image.rows[y - 1]) {
       out[0] = 2;  // Up: the difference from the row above, all zeros
       std::memset(out + 1, 0, row_bytes);
-      filtered.adler = AdlerOfZeroRunAfter(filtered.adler, 2, row_bytes);
+      adler = AdlerOfZeroRunAfter(adler, 2, row_bytes);
       continue;
     }
     out[0] = 0;  // None
     std::memcpy(out + 1, image.rows[y], row_bytes);
-    filtered.adler = static_cast<uint32_t>(adler32(filtered.adler, out, static_cast<uInt>(stride)));
+    adler = static_cast<uint32_t>(adler32(adler, out, static_cast<uInt>(stride)));
   }
-  return filtered;
+  return adler;
 }
-
-// A raw deflate stream of zlib's; ends it on every path.
-class Deflater {
- public:
-  Deflater(const Compression& compression, int window_bits) {
-    ok_ = deflateInit2(&stream_, compression.level, Z_DEFLATED, -window_bits, compression.memory_level,
-                       compression.strategy) == Z_OK;
-  }
-  ~Deflater() {
-    if (ok_) deflateEnd(&stream_);
-  }
-  Deflater(const Deflater&) = delete;
-  Deflater& operator=(const Deflater&) = delete;
-
-  // Appends the deflated `input` to `out`; false when zlib fails.
-  bool DeflateAll(const std::vector<uint8_t>& input, std::vector<uint8_t>* out) {
-    if (!ok_) return false;
-    const size_t start = out->size();
-    out->resize(start + deflateBound(&stream_, static_cast<uLong>(input.size())));
-    stream_.next_in = const_cast<Bytef*>(input.data());  // zlib's API is not const-correct
-    stream_.avail_in = static_cast<uInt>(input.size());
-    stream_.next_out = out->data() + start;
-    stream_.avail_out = static_cast<uInt>(out->size() - start);
-    if (deflate(&stream_, Z_FINISH) != Z_STREAM_END) return false;
-    out->resize(start + stream_.total_out);
-    return true;
-  }
-
- private:
-  z_stream stream_{};
-  bool ok_ = false;
-};
 
 void AppendBigEndian(std::vector<uint8_t>* out, uint32_t value) {
   out->insert(out->end(), {static_cast<uint8_t>(value >> 24), static_cast<uint8_t>(value >> 16),
@@ -278,50 +240,102 @@ void AppendChunk(std::vector<uint8_t>* out, const char (&type)[5], const uint8_t
   AppendBigEndian(out, static_cast<uint32_t>(crc32(0, out->data() + start, static_cast<uInt>(length + 4))));
 }
 
-// The zlib stream of the image data: header for `window_bits` and `level`, the deflated
-// rows, their Adler-32.
-bool ZlibStream(const FilteredRows& rows, const Compression& compression, int window_bits, std::vector<uint8_t>* out) {
-  const unsigned cmf = static_cast<unsigned>(window_bits - 8) << 4 | 8U;  // deflate, window size
-  const unsigned level_hint = compression.level <= 1 ? 0 : compression.level <= 5 ? 1 : compression.level == 6 ? 2 : 3;
+constexpr int kWindowBits = 15;
+
+// The two bytes that open the image data's zlib stream: deflate with a 32 KB window, the
+// level as a hint, a multiple of 31.
+std::array<uint8_t, 2> ZlibHeader(int level) {
+  constexpr unsigned kCmf = (kWindowBits - 8) << 4 | 8;
+  const unsigned level_hint = level <= 1 ? 0 : level <= 5 ? 1 : level == 6 ? 2 : 3;
   unsigned flg = level_hint << 6;
-  flg |= (31 - (cmf << 8 | flg) % 31) % 31;  // header check: a multiple of 31
-  out->push_back(static_cast<uint8_t>(cmf));
-  out->push_back(static_cast<uint8_t>(flg));
-  Deflater deflater(compression, window_bits);
-  if (!deflater.DeflateAll(rows.bytes, out)) return false;
-  AppendBigEndian(out, rows.adler);
-  return true;
+  flg |= (31 - (kCmf << 8 | flg) % 31) % 31;
+  return {static_cast<uint8_t>(kCmf), static_cast<uint8_t>(flg)};
 }
 
-// The smallest window that holds the whole stream, as libpng chooses it: less memory for
-// zlib to set up, the same output.
-int WindowBitsFor(size_t stream_bytes) {
-  int bits = 15;
-  while (bits > 9 && (size_t{1} << (bits - 1)) >= stream_bytes) --bits;
-  return bits;
-}
+// A raw deflate stream of zlib's, reset between images; ended on destruction.
+class Deflater {
+ public:
+  Deflater() = default;
+  ~Deflater() { End(); }
+  Deflater(const Deflater&) = delete;
+  Deflater& operator=(const Deflater&) = delete;
 
-std::vector<uint8_t> SavePalettePng(const PaletteImage& image) {
+  // Appends `input` deflated with `compression` to `out`; false when zlib fails.
+  bool DeflateAll(const std::vector<uint8_t>& input, const Compression& compression, std::vector<uint8_t>* out) {
+    if (!Prepare(compression)) return false;
+    const size_t start = out->size();
+    out->resize(start + deflateBound(&stream_, static_cast<uLong>(input.size())));
+    stream_.next_in = const_cast<Bytef*>(input.data());  // zlib's API is not const-correct
+    stream_.avail_in = static_cast<uInt>(input.size());
+    stream_.next_out = out->data() + start;
+    stream_.avail_out = static_cast<uInt>(out->size() - start);
+    const bool finished = deflate(&stream_, Z_FINISH) == Z_STREAM_END;
+    if (!finished) End();  // a stream zlib failed on is not reused
+    out->resize(finished ? start + stream_.total_out : start);
+    return finished;
+  }
+
+ private:
+  // The kept stream when its memory level fits (level and strategy change in place),
+  // else a new one.
+  bool Prepare(const Compression& compression) {
+    if (open_ && memory_level_ == compression.memory_level) {
+      return deflateReset(&stream_) == Z_OK && deflateParams(&stream_, compression.level, compression.strategy) == Z_OK;
+    }
+    End();
+    open_ = deflateInit2(&stream_, compression.level, Z_DEFLATED, -kWindowBits, compression.memory_level,
+                         compression.strategy) == Z_OK;
+    memory_level_ = compression.memory_level;
+    return open_;
+  }
+
+  void End() {
+    if (open_) deflateEnd(&stream_);
+    open_ = false;
+  }
+
+  z_stream stream_{};
+  bool open_ = false;
+  int memory_level_ = 0;
+};
+
+}  // namespace
+
+// What one encoder keeps from image to image.
+struct PngWorkspace {
+  Deflater deflater;
+  std::vector<uint8_t> filtered;    // the rows behind their filter bytes
+  std::vector<uint8_t> image_data;  // the zlib stream
+};
+
+namespace {
+
+std::vector<uint8_t> SavePalettePng(const PaletteImage& image, PngWorkspace* workspace) {
   const Compression compression = CompressionFor(image);
-  const FilteredRows rows = FilterRows(image, compression.up_filter_on_repeats);
-  std::vector<uint8_t> image_data;
-  if (!ZlibStream(rows, compression, WindowBitsFor(rows.bytes.size()), &image_data)) {
+  const uint32_t adler = FilterRows(image, compression.up_filter_on_repeats, &workspace->filtered);
+  const std::array<uint8_t, 2> zlib_header = ZlibHeader(compression.level);
+  workspace->image_data.assign(zlib_header.begin(), zlib_header.end());
+  if (!workspace->deflater.DeflateAll(workspace->filtered, compression, &workspace->image_data)) {
     SDL_SetError("zlib could not deflate the image data");
     return {};
   }
-  static constexpr uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  AppendBigEndian(&workspace->image_data, adler);
+
   std::vector<uint8_t> header;
   AppendBigEndian(&header, static_cast<uint32_t>(image.width));
   AppendBigEndian(&header, static_cast<uint32_t>(image.height));
   // Bit depth, colour type 3 (palette), deflate, adaptive filtering, no interlace.
   header.insert(header.end(), {static_cast<uint8_t>(image.bit_depth), 3, 0, 0, 0});
 
-  std::vector<uint8_t> png(std::begin(kSignature), std::end(kSignature));
-  png.reserve(64 + image.palette.size() + image.alpha.size() + image_data.size());
+  static constexpr uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  const std::vector<uint8_t>& data = workspace->image_data;
+  std::vector<uint8_t> png;
+  png.reserve(64 + image.palette.size() + image.alpha.size() + data.size());
+  png.assign(std::begin(kSignature), std::end(kSignature));
   AppendChunk(&png, "IHDR", header.data(), header.size());
   AppendChunk(&png, "PLTE", image.palette.data(), image.palette.size());
   if (!image.alpha.empty()) AppendChunk(&png, "tRNS", image.alpha.data(), image.alpha.size());
-  AppendChunk(&png, "IDAT", image_data.data(), image_data.size());
+  AppendChunk(&png, "IDAT", data.data(), data.size());
   AppendChunk(&png, "IEND", nullptr, 0);
   return png;
 }
@@ -389,7 +403,12 @@ std::vector<uint8_t> SaveTrueColourPng(SDL_Surface* surface) {
 
 }  // namespace
 
-std::vector<uint8_t> EncodeSurfacePng(SDL_Surface* surface) {
+PngEncoder::PngEncoder() = default;
+PngEncoder::~PngEncoder() = default;
+PngEncoder::PngEncoder(PngEncoder&&) noexcept = default;
+PngEncoder& PngEncoder::operator=(PngEncoder&&) noexcept = default;
+
+std::vector<uint8_t> PngEncoder::Encode(SDL_Surface* surface) {
   if (surface == nullptr) return {};
   // PNG has no empty images.
   if (surface->w <= 0 || surface->h <= 0) {
@@ -397,10 +416,16 @@ std::vector<uint8_t> EncodeSurfacePng(SDL_Surface* surface) {
     return {};
   }
   if (const std::optional<PaletteImage> image = ToPaletteImage(surface)) {
-    std::vector<uint8_t> png = SavePalettePng(*image);
+    if (!workspace_) workspace_ = std::make_unique<PngWorkspace>();
+    std::vector<uint8_t> png = SavePalettePng(*image, workspace_.get());
     if (!png.empty()) return png;
   }
   return SaveTrueColourPng(surface);
+}
+
+std::vector<uint8_t> EncodeSurfacePng(SDL_Surface* surface) {
+  PngEncoder encoder;
+  return encoder.Encode(surface);
 }
 
 }  // namespace barcode_orv
