@@ -95,6 +95,53 @@ constexpr int SubmodeOf(int state) { return state / 2; }
 constexpr int ParityOf(int state) { return state % 2; }
 constexpr bool IsByte(int state) { return state >= kByteFirst && state < kNumericState; }
 
+// The cheapest latch sequence between any two text states (sub-mode and parity), one or
+// more latches long: the search takes one step per pair instead of rounds of single
+// latches, and the writer emits the same values.
+struct TextMove {
+  int count = -1;  // values; -1: no sequence
+  std::array<int, 4> values{};
+};
+
+struct TextMoves {
+  std::array<std::array<TextMove, kTextStates>, kTextStates> move{};
+  constexpr TextMoves() {
+    for (int from = 0; from < kTextStates; ++from) {
+      move[from][from].count = 0;
+      for (int to = 0; to < kSubmodes; ++to) {
+        const Latch& latch = kLatches[SubmodeOf(from)][to];
+        if (latch.count == 0) continue;
+        TextMove& direct = move[from][TextState(to, (ParityOf(from) + latch.count) % 2)];
+        if (direct.count >= 0 && direct.count <= latch.count) continue;
+        direct.count = latch.count;
+        for (int i = 0; i < latch.count; ++i) direct.values[i] = latch.values[i];
+      }
+    }
+    // Floyd-Warshall over the eight states; every edge costs its values.
+    for (int via = 0; via < kTextStates; ++via) {
+      for (int from = 0; from < kTextStates; ++from) {
+        for (int to = 0; to < kTextStates; ++to) {
+          const TextMove& first = move[from][via];
+          const TextMove& second = move[via][to];
+          if (first.count < 0 || second.count < 0) continue;
+          const int count = first.count + second.count;
+          TextMove& best = move[from][to];
+          if (count > 4 || (best.count >= 0 && best.count <= count)) continue;
+          TextMove joined;
+          joined.count = count;
+          for (int i = 0; i < first.count; ++i) joined.values[i] = first.values[i];
+          for (int i = 0; i < second.count; ++i) joined.values[first.count + i] = second.values[i];
+          best = joined;
+        }
+      }
+    }
+  }
+};
+constexpr TextMoves kTextMoves;
+static_assert(kTextMoves.move[TextState(kAlpha, 0)][TextState(kLower, 1)].count == 1, "Alpha to Lower: LL");
+static_assert(kTextMoves.move[TextState(kAlpha, 0)][TextState(kAlpha, 1)].count == 3, "a parity change costs three");
+static_assert(kTextMoves.move[TextState(kPunct, 0)][TextState(kLower, 0)].count == 2, "Punct to Lower: AL LL");
+
 enum class Action : uint8_t { kNone, kModeChange, kTextChar, kByteShift, kByte, kNumericRun };
 
 struct Node {
@@ -182,17 +229,16 @@ class Search {
       if (here[state].cost >= kInfinity) continue;
       Relax(pos, TextState(kAlpha, 0), here[state].cost + kWhole, pos, state, Action::kModeChange);
     }
-    // Sub-mode latches inside text: cheapest first through a few rounds (at most two
-    // latch values are ever needed).
-    for (int round = 0; round < 2; ++round) {
-      for (int from = 0; from < kTextStates; ++from) {
-        if (here[from].cost >= kInfinity) continue;
-        for (int to = 0; to < kSubmodes; ++to) {
-          const Latch& latch = kLatches[SubmodeOf(from)][to];
-          if (latch.count == 0) continue;
-          Relax(pos, TextState(to, (ParityOf(from) + latch.count) % 2), here[from].cost + latch.count * kHalf, pos,
-                from, Action::kModeChange);
-        }
+    // Latches inside text: from every text state reached so far, the cheapest sequence
+    // to every other.
+    std::array<int, kTextStates> reached{};
+    for (int state = 0; state < kTextStates; ++state) reached[state] = here[state].cost;
+    for (int from = 0; from < kTextStates; ++from) {
+      if (reached[from] >= kInfinity) continue;
+      for (int to = 0; to < kTextStates; ++to) {
+        const int count = kTextMoves.move[from][to].count;
+        if (count <= 0) continue;
+        Relax(pos, to, reached[from] + count * kHalf, pos, from, Action::kModeChange);
       }
     }
   }
@@ -281,11 +327,11 @@ class CodewordWriter {
     submode_ = kAlpha;
   }
 
-  // The latch values from the current sub-mode to `submode`.
-  void Latch(int submode) {
-    const struct Latch& latch = kLatches[submode_][submode];
-    for (int i = 0; i < latch.count; ++i) Value(latch.values[i]);
-    submode_ = submode;
+  // The latch values from text state `from` to `to`.
+  void Latch(int from, int to) {
+    const TextMove& move = kTextMoves.move[from][to];
+    for (int i = 0; i < move.count; ++i) Value(move.values[i]);
+    submode_ = SubmodeOf(to);
   }
 
   void EnterBytes() { LeaveMode(Mode::kBytes); }
@@ -392,7 +438,7 @@ std::vector<int> CompactData(const std::vector<uint8_t>& data) {
     switch (node.action) {
       case Action::kModeChange:
         if (IsText(state) && IsText(node.from_state)) {
-          writer.Latch(SubmodeOf(state));
+          writer.Latch(node.from_state, state);
         } else if (IsText(state)) {
           writer.EnterText();
         } else {
