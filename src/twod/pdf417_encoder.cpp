@@ -170,7 +170,10 @@ int LatchOutCost(int state, bool to_numeric) {
 
 class Search {
  public:
-  explicit Search(const std::vector<uint8_t>& data) : data_(data), nodes_(data.size() + 1) {}
+  // Every column starts as a copy of one unreached column: default-constructing each
+  // node in place took a quarter of the search.
+  explicit Search(const std::vector<uint8_t>& data)
+      : data_(data), nodes_(data.size() + 1, std::array<Node, kStates>{}) {}
 
   void Run() {
     const size_t n = data_.size();
