@@ -158,17 +158,18 @@ std::optional<PaletteImage> ToPaletteImage(const SDL_Surface* surface) {
 
 // How the rows go through zlib, chosen by measurement against the best row filter at
 // zlib level 9 (the bench's compact encoding):
-// - Two-colour pictures of many distinct rows (2D symbols): level 4, the "filtered"
-//   strategy, no row filter; as small as the reference at a third of its time.
+// - Two-colour pictures of many distinct rows (2D symbols): level 3 with a row that
+//   repeats the one above filtered "Up" (all zeros) and every other row unfiltered.
+//   Level 4 with the "filtered" strategy came within 1.11 x of the reference against
+//   1.04-1.17 x here, at up to 1.4 x the time (QR Code 45 bytes: 66 against 48 us).
 // - Two-colour pictures of a few distinct rows (bars without the text line): level 3 with
-//   a small hash table. Each row is one literal run and then long copies, which zlib's
-//   fast matcher finds without hashing every byte; level 4 took twice the time and 64 KB
-//   of table clearing per image for a dozen bytes less.
-// - More colours (anti-aliased text): a row that repeats the one above filtered "Up" (all
-//   zeros), every other row unfiltered. Without the Up rows a wide picture came out 12 x
-//   the reference. Level 2 costs what level 1 does and stays within 1.21 x the reference
-//   on a line of text; beyond 32 K pixels of distinct rows (two lines, long lines) level 3's
-//   longer search pays: 1.23 x instead of 1.28 x on the convenience-store code.
+//   a small hash table and no row filter. Each row is one literal run and then long
+//   copies, which zlib's fast matcher finds without hashing every byte.
+// - More colours (anti-aliased text): the Up rows as above; without them a wide picture
+//   came out 12 x the reference. Level 2 costs what level 1 does and stays within 1.21 x
+//   the reference on a line of text; beyond 32 K pixels of distinct rows (two lines, long
+//   lines) level 3's longer search pays: 1.23 x instead of 1.28 x on the convenience-store
+//   code.
 struct Compression {
   int level;
   int strategy;
@@ -183,7 +184,7 @@ Compression CompressionFor(const PaletteImage& image) {
     return Compression{large ? 3 : 2, Z_DEFAULT_STRATEGY, 4, true};
   }
   if (image.distinct_rows <= kFewDistinctRows) return Compression{3, Z_DEFAULT_STRATEGY, 4, false};
-  return Compression{4, Z_FILTERED, 8, false};
+  return Compression{3, Z_DEFAULT_STRATEGY, 8, true};
 }
 
 // ---- Writing the file ----
