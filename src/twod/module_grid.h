@@ -18,6 +18,8 @@ class ModuleGrid {
   bool empty() const { return cols_ == 0 || rows_ == 0; }
   bool dark(int col, int row) const { return cells_[Index(col, row)] != 0; }
   void set(int col, int row, bool dark) { cells_[Index(col, row)] = dark ? 1 : 0; }
+  // Row by row, one byte a module.
+  const uint8_t* cells() const { return cells_.data(); }
 
  private:
   size_t Index(int col, int row) const { return static_cast<size_t>(row) * cols_ + col; }
@@ -27,35 +29,22 @@ class ModuleGrid {
   std::vector<uint8_t> cells_;
 };
 
-// What the painter needs of any module matrix: its extent and a dark-module query. The
-// query is a plain function over the matrix, not a std::function: the painter asks once a
-// module, and the second indirection showed in the profile.
+// What the painter needs of any module matrix: its extent and its cells, row by row, one
+// byte a module (non-zero: dark). The painter reads them directly; a call a module
+// showed in the profile.
 struct ModuleView {
   int cols = 0;
   int rows = 0;
-  const void* matrix = nullptr;
-  bool (*dark_at)(const void* matrix, int col, int row) = nullptr;
+  const uint8_t* cells = nullptr;  // owned by the matrix, which must outlive the view
   // Modules of height each row takes (PDF417 rows are several modules high).
   int row_height = 1;
   // Paint each run of dark modules in a row as one rectangle (a bar), with
   // px_adjust_black added once to its width, instead of one rectangle a module.
   bool merge_runs = false;
 
-  // Any matrix with dark(col, row); it must outlive the view.
-  template <typename Matrix>
-  static ModuleView Over(const Matrix& matrix, int cols, int rows) {
-    ModuleView view;
-    view.cols = cols;
-    view.rows = rows;
-    view.matrix = &matrix;
-    view.dark_at = [](const void* source, int col, int row) {
-      return static_cast<const Matrix*>(source)->dark(col, row);
-    };
-    return view;
-  }
-  static ModuleView Of(const ModuleGrid& grid) { return Over(grid, grid.cols(), grid.rows()); }
+  static ModuleView Of(const ModuleGrid& grid) { return {grid.cols(), grid.rows(), grid.cells()}; }
 
-  bool dark(int col, int row) const { return dark_at(matrix, col, row); }
+  bool dark(int col, int row) const { return cells[static_cast<size_t>(row) * cols + col] != 0; }
   int module_rows() const { return rows * row_height; }
 };
 

@@ -15,7 +15,7 @@ using qr_internal::ModuleMatrix;
 
 char AsciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-ModuleView View(const ModuleMatrix& matrix) { return ModuleView::Over(matrix, matrix.side(), matrix.side()); }
+ModuleView View(const ModuleMatrix& matrix) { return {matrix.side(), matrix.side(), matrix.cells()}; }
 
 void LogMatrix(const ModuleMatrix& matrix) {
   if (log::Quiet()) return;

@@ -39,6 +39,8 @@ class ModuleMatrix {
   bool empty() const { return side_ == 0; }
   bool dark(int col, int row) const { return cells_[Index(col, row)] != 0; }
   void set(int col, int row, bool dark) { cells_[Index(col, row)] = dark ? 1 : 0; }
+  // Row by row, one byte a module.
+  const uint8_t* cells() const { return cells_.data(); }
 
  private:
   size_t Index(int col, int row) const { return static_cast<size_t>(row) * side_ + col; }
