@@ -468,13 +468,14 @@ int RecommendedLevel(int data_codewords) {
 namespace {
 
 // The nine generator polynomials (levels 0-8, 2^(level+1) coefficients each, ascending
-// powers without the leading 1), one after another: built once at compile time.
+// powers without the leading 1), one after another: built once, on first use. (At compile
+// time the 175,000 steps of level 8 exceed clang's constant-evaluation limit.)
 constexpr int GeneratorOffset(int level) { return (2 << level) - 2; }
 constexpr int kGeneratorCoefficients = GeneratorOffset(kMaxLevel + 1);
 
 struct GeneratorTable {
   std::array<int, kGeneratorCoefficients> coefficients{};
-  constexpr GeneratorTable() {
+  GeneratorTable() {
     for (int level = 0; level <= kMaxLevel; ++level) {
       const int k = 2 << level;
       std::array<int, 513> g{};  // g[0..size) ascending, leading coefficient last
@@ -495,18 +496,20 @@ struct GeneratorTable {
     }
   }
 };
-constexpr GeneratorTable kGenerators;
-static_assert(kGenerators.coefficients[0] == 27 && kGenerators.coefficients[1] == 917, "level 0 generator");
+const GeneratorTable& Generators() {
+  static const GeneratorTable table;
+  return table;
+}
 
 }  // namespace
 
 std::vector<int> GeneratorCoefficients(int level) {
-  const int* first = kGenerators.coefficients.data() + GeneratorOffset(level);
+  const int* first = Generators().coefficients.data() + GeneratorOffset(level);
   return std::vector<int>(first, first + (2 << level));
 }
 
 std::vector<int> ErrorCorrection(const std::vector<int>& data, int level) {
-  const int* a = kGenerators.coefficients.data() + GeneratorOffset(level);
+  const int* a = Generators().coefficients.data() + GeneratorOffset(level);
   const size_t k = size_t{2} << level;
   // Division by the generator with the register kept unreduced: each cell gathers at most
   // k products below 929 x 929 (under 2^32 for k = 512), so only the cell that feeds
