@@ -195,12 +195,16 @@ Compression CompressionFor(const PaletteImage& image) {
 
 constexpr uint32_t kAdlerModulus = 65521;
 
-// Adler-32 state as zlib keeps it: s2 << 16 | s1.
-uint32_t AdlerOfZeroRunAfter(uint32_t adler, uint8_t first, size_t zeros) {
+constexpr uint8_t kFilterNone = 0;
+constexpr uint8_t kFilterUp = 2;
+
+// Adler-32 (as zlib keeps it, s2 << 16 | s1) after an Up row of a repeated row: its filter
+// byte, then `zeros` zeros, each of which adds s1 to s2 and nothing to s1.
+uint32_t AdlerAfterZeroUpRow(uint32_t adler, size_t zeros) {
   uint64_t s1 = adler & 0xFFFFU;
   uint64_t s2 = adler >> 16;
-  s1 = (s1 + first) % kAdlerModulus;
-  s2 = (s2 + s1 + zeros * s1) % kAdlerModulus;  // a zero adds s1 to s2 and nothing to s1
+  s1 = (s1 + kFilterUp) % kAdlerModulus;
+  s2 = (s2 + s1 + zeros * s1) % kAdlerModulus;
   return static_cast<uint32_t>((s2 << 16) | s1);
 }
 
@@ -216,12 +220,12 @@ uint32_t FilterRows(const PaletteImage& image, bool up_filter_on_repeats, std::v
     uint8_t* out = stream->data() + y * stride;
     // Rows equal to the one above share its storage (see ToPaletteImage).
     if (up_filter_on_repeats && y > 0 && image.rows[y] == image.rows[y - 1]) {
-      out[0] = 2;  // Up: the difference from the row above, all zeros
+      out[0] = kFilterUp;  // the difference from the row above: all zeros
       std::memset(out + 1, 0, row_bytes);
-      adler = AdlerOfZeroRunAfter(adler, 2, row_bytes);
+      adler = AdlerAfterZeroUpRow(adler, row_bytes);
       continue;
     }
-    out[0] = 0;  // None
+    out[0] = kFilterNone;
     std::memcpy(out + 1, image.rows[y], row_bytes);
     adler = static_cast<uint32_t>(adler32(adler, out, static_cast<uInt>(stride)));
   }
@@ -338,6 +342,10 @@ std::vector<uint8_t> SavePalettePng(const PaletteImage& image, PngWorkspace* wor
   if (!image.alpha.empty()) AppendChunk(&png, "tRNS", image.alpha.data(), image.alpha.size());
   AppendChunk(&png, "IDAT", data.data(), data.size());
   AppendChunk(&png, "IEND", nullptr, 0);
+  // A huge picture's buffers are not kept for the next one.
+  constexpr size_t kKeptBytes = size_t{16} << 20;
+  if (workspace->filtered.capacity() > kKeptBytes) workspace->filtered = {};
+  if (workspace->image_data.capacity() > kKeptBytes) workspace->image_data = {};
   return png;
 }
 
