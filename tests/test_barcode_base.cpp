@@ -65,6 +65,7 @@ TEST(PngEncoderTest, PaletteImagesKeepEveryPixelAtEachBitDepth) {
       {1, false, 1, 4},  {2, false, 1, 4},  {2, false, 1, 1}, {2, true, 1, 4},   {3, false, 2, 4},
       {4, true, 2, 4},   {5, false, 4, 4},  {16, true, 4, 4}, {17, false, 8, 4}, {17, false, 8, 1},
       {200, true, 8, 4}, {256, true, 8, 4}, {257, true, 8, 4}};
+  PngEncoder encoder;  // one for every case: its zlib stream is reset between pictures
   for (const auto& [colours, translucent, bit_depth, repeat_every] : cases) {
     // An odd width, so packed rows end in a partial byte; runs, scattered pixels and
     // repeated rows, as bars, modules and text give them.
@@ -79,7 +80,7 @@ TEST(PngEncoderTest, PaletteImagesKeepEveryPixelAtEachBitDepth) {
       pixels[i] = repeats ? pixels[i - 61] : palette[(i / 3 + rng() % 2) % palette.size()];
     }
     for (size_t k = 0; k < palette.size(); ++k) pixels[k] = palette[k];  // every colour appears
-    const std::vector<uint8_t> png = EncodeSurfacePng(surface.get());
+    const std::vector<uint8_t> png = encoder.Encode(surface.get());
     ASSERT_GT(png.size(), 26U);
     EXPECT_EQ(png[25], colours > 256 ? 6 : 3) << colours << " colours";  // IHDR colour type
     EXPECT_EQ(png[24], bit_depth) << colours << " colours";              // IHDR bit depth
