@@ -167,9 +167,11 @@ std::optional<PaletteImage> ToPaletteImage(const SDL_Surface* surface) {
 //   copies, which zlib's fast matcher finds without hashing every byte.
 // - More colours (anti-aliased text): the Up rows as above; without them a wide picture
 //   came out 12 x the reference. Level 2 costs what level 1 does and stays within 1.21 x
-//   the reference on a line of text; beyond 32 K pixels of distinct rows (two lines, long
-//   lines) level 3's longer search pays: 1.23 x instead of 1.28 x on the convenience-store
-//   code. zlib's larger hash table took that picture from 510 to 360 us.
+//   the reference on a line of text. More text needs longer searches: beyond 32 K pixels
+//   of distinct rows (two lines) level 3, 1.23 x instead of 1.28 x on the convenience-store
+//   code; beyond 64 K (lines of a hundred characters and more) level 5, 1.19 x instead of
+//   1.53 x on a 200-character Code 128, at 1.6 x the time. zlib's larger hash table took
+//   the convenience-store code from 510 to 360 us.
 struct Compression {
   int level;
   int strategy;
@@ -177,11 +179,11 @@ struct Compression {
   bool up_filter_on_repeats;
 };
 constexpr size_t kFewDistinctRows = 8;
-constexpr size_t kLargeDistinctPixels = 32 * 1024;
 Compression CompressionFor(const PaletteImage& image) {
   if (image.bit_depth > 1) {
-    const bool large = image.distinct_rows * static_cast<size_t>(image.width) > kLargeDistinctPixels;
-    return Compression{large ? 3 : 2, Z_DEFAULT_STRATEGY, 8, true};
+    const size_t distinct_pixels = image.distinct_rows * static_cast<size_t>(image.width);
+    const int level = distinct_pixels <= 32 * 1024 ? 2 : distinct_pixels <= 64 * 1024 ? 3 : 5;
+    return Compression{level, Z_DEFAULT_STRATEGY, 8, true};
   }
   if (image.distinct_rows <= kFewDistinctRows) return Compression{3, Z_DEFAULT_STRATEGY, 4, false};
   return Compression{3, Z_DEFAULT_STRATEGY, 8, true};
