@@ -28,9 +28,9 @@ class PngEncoder {
   std::unique_ptr<PngWorkspace> workspace_;
 };
 
-// The PNG file for `surface` (any 32-bit format), written through a growing memory
-// stream. A canvas of at most 256 distinct colours is saved as an 8-bit indexed image
-// with the same pixels, which encodes several times faster. Empty on failure.
+// The PNG file for `surface` (any 32-bit format). A canvas of at most 256 distinct colours
+// is written as a palette image of the smallest bit depth with the same pixels; more
+// colours go through SDL_image. Empty on failure, with the reason in SDL_GetError().
 std::vector<uint8_t> EncodeSurfacePng(SDL_Surface* surface);
 
 }  // namespace barcode_orv
