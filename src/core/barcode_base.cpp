@@ -243,6 +243,25 @@ void BarcodeBase::FillClipped(double left, double top, double right, double bott
   SDL_RenderFillRect(renderer, &rect);
 }
 
+bool BarcodeBase::BlendOntoCanvas(SDL_Surface* image, int left, int top) {
+  SDL_Renderer* renderer = canvas_renderer();
+  if (renderer == nullptr) return false;
+  if (OwnsCanvas()) {
+    // The blit the software renderer's copy ends in, without first copying the image
+    // into a texture: the same pixels.
+    SDL_RenderFlush(renderer);
+    SDL_SetSurfaceBlendMode(image, SDL_BLENDMODE_BLEND);
+    SDL_Rect target{left, top, image->w, image->h};
+    return SDL_BlitSurface(image, nullptr, surface_.get(), &target) == 0;
+  }
+  TexturePtr texture(SDL_CreateTextureFromSurface(renderer, image));
+  if (!texture) return false;
+  SDL_SetTextureBlendMode(texture.get(), SDL_BLENDMODE_BLEND);
+  const SDL_Rect target{left, top, image->w, image->h};
+  SDL_RenderCopy(renderer, texture.get(), nullptr, &target);
+  return true;
+}
+
 std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface) {
   PngEncoder encoder;
   return SaveSurfaceToMemory(surface, &encoder);

@@ -110,6 +110,9 @@ class BarcodeBase : public IBarcodeSymbology {
   };
   void FillSpans(const std::vector<Span>& spans, int top, int height, SDL_Color color);
   void ClearCanvas(SDL_Color color);
+  // Blends `image` (its alpha over the canvas, as SDL's "blend" mode) with its top-left
+  // at (left, top), clipped to the canvas; false with SDL's error when that fails.
+  bool BlendOntoCanvas(SDL_Surface* image, int left, int top);
 
   // SVG document builder.
   void SvgBegin(int width, int height);

@@ -270,22 +270,6 @@ bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int wid
 
 // ---- Human-readable text ----
 
-namespace {
-
-// Draws one rendered piece with its top-left at (left, top). Positions come in a wide
-// type and are clamped once: absurd scales or boxes put them off the canvas, never into an
-// overflow inside the renderer.
-bool BlitText(SDL_Renderer* renderer, SDL_Surface* rendered, int64_t left, int64_t top) {
-  TexturePtr texture(SDL_CreateTextureFromSurface(renderer, rendered));
-  if (!texture) return false;
-  SDL_SetTextureBlendMode(texture.get(), SDL_BLENDMODE_BLEND);
-  const SDL_Rect target{ClampToPixel(left), ClampToPixel(top), rendered->w, rendered->h};
-  SDL_RenderCopy(renderer, texture.get(), nullptr, &target);
-  return true;
-}
-
-}  // namespace
-
 BarcodeBase1D::TextPlacement BarcodeBase1D::ClassicLine(const std::string& text, int x, int y, int width,
                                                         int height) const {
   TextPlacement placement;
@@ -339,7 +323,9 @@ void BarcodeBase1D::PaintTextRaster(const TextPlacement& placement) {
     // nothing hangs below the box.
     int64_t top = placement.top;
     if (placement.bottom_aligned) top -= rendered->h > placement.font_size ? rendered->h : placement.font_size;
-    if (!BlitText(canvas_renderer(), rendered.get(), left, top) && placement.log_failures) {
+    // Positions come in a wide type and are clamped once: absurd scales or boxes put them
+    // off the canvas, never into an overflow inside SDL.
+    if (!BlendOntoCanvas(rendered.get(), ClampToPixel(left), ClampToPixel(top)) && placement.log_failures) {
       log::Error(std::string("SDL_CreateTextureFromSurface error: ") + SDL_GetError());
     }
   }
