@@ -53,6 +53,8 @@ const std::vector<Workload>& Workloads() {
        ZintSettings{1.0F, 50.0F, false}},
       {"Code128_ABC123_300x100_text", BARCODE_CODE128, "ABC123", 300, 100, true, ZintSymbol::kCode128,
        ZintSettings{1.0F, 50.0F, true}},
+      {"JAN13_300x100", BARCODE_JAN13, "4901234567894", 300, 100, false, ZintSymbol::kEan13,
+       ZintSettings{1.0F, 50.0F, false}},
       {"JAN13_300x100_text", BARCODE_JAN13, "4901234567894", 300, 100, true, ZintSymbol::kEan13,
        ZintSettings{1.0F, 50.0F, true}},
       {"JAN13_addon5_400x100_text", BARCODE_JAN13, "4901234567894+12345", 400, 100, true, std::nullopt},
