@@ -5,12 +5,16 @@
 
 #include <SDL.h>
 
+#include <array>
+#include <charconv>
+#include <cmath>
 #include <cstring>
 #include <random>
 #include <string>
 #include <tuple>
 
 #include "core/barcode_base.h"
+#include "core/fixed_format.h"
 #include "core/png_encoder.h"
 #include "core/sdl_handles.h"
 #include "linear/code39.h"
@@ -39,6 +43,28 @@ TEST(FallbackImageTest, IsAOnePixelPngDataUri) {
   EXPECT_EQ(
       uri.rfind("data:image/png;base64," + Base64(std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\1\0\0\0\1", 24)), 0),
       0U);
+}
+
+// The SVG number writer against std::to_chars: module edges as the painters compute them,
+// ties at the second decimal, negatives that round to zero, and the values it hands to
+// std::to_chars itself (zero, tiny, huge, not finite).
+TEST(FixedFormatTest, SameBytesAsToChars) {
+  std::vector<double> values = {0.0,    -0.0,  0.125,  0.375, -0.125, 2.5,      1.005, 0.005,  -0.005,
+                                -0.001, 1e-30, 4.2e15, -9e18, 1e300,  HUGE_VAL, NAN,   1.0 / 3};
+  std::mt19937 rng(5);
+  for (int i = 0; i < 200000; ++i) {
+    const float scale = std::array<float, 4>{1.0F, 100.0F, 1e4F, 1e7F}[static_cast<size_t>(i % 4)];
+    values.push_back(static_cast<float>(rng()) / 4294967296.0F * scale - scale / 8);
+    const float module = static_cast<float>(1 + rng() % 10000) / static_cast<float>(1 + rng() % 177);
+    values.push_back(module * static_cast<float>(rng() % 200));
+  }
+  for (const double value : values) {
+    char expected[400];
+    const auto end = std::to_chars(expected, expected + sizeof expected, value, std::chars_format::fixed, 2).ptr;
+    std::string actual;
+    AppendFixed2(actual, value);
+    ASSERT_EQ(actual, std::string(expected, end)) << value;
+  }
 }
 
 // A surface whose pixels the test chooses.

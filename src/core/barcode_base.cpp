@@ -9,6 +9,7 @@
 #include <mutex>
 #include <stdexcept>
 
+#include "core/fixed_format.h"
 #include "core/log.h"
 #include "core/png_encoder.h"
 
@@ -358,9 +359,7 @@ std::string BarcodeBase::GetModulePath() {
 
 void BarcodeBase::AppendFixed(double value) {
   // Same bytes as a stream in fixed notation with two decimals.
-  char buffer[64];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 2);
-  svg_.append(buffer, result.ptr);
+  AppendFixed2(svg_, value);
 }
 
 void BarcodeBase::SvgBegin(int width, int height) {
