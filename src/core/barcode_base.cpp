@@ -153,12 +153,16 @@ bool BarcodeBase::OwnsCanvas() const {
   return surface_ && renderer_ && surface_->format->BytesPerPixel == 4 && !SDL_MUSTLOCK(surface_.get());
 }
 
+Uint32 BarcodeBase::OwnCanvasPixel(SDL_Color color) {
+  SDL_RenderFlush(renderer_.get());  // queued renderer work lands first
+  return SDL_MapRGBA(surface_->format, color.r, color.g, color.b, color.a);
+}
+
 void BarcodeBase::FillOwnCanvas(int left, int top, int width, int height, SDL_Color color) {
   // The same pixels the software renderer writes for a fill without blending, without
   // its per-call overhead, and with ordinary stores: SDL's clear streams past the cache,
   // so every bar painted after it would start with a cache miss.
-  SDL_RenderFlush(renderer_.get());
-  const Uint32 pixel = SDL_MapRGBA(surface_->format, color.r, color.g, color.b, color.a);
+  const Uint32 pixel = OwnCanvasPixel(color);
   auto* row = static_cast<uint8_t*>(surface_->pixels) + static_cast<ptrdiff_t>(top) * surface_->pitch +
               static_cast<ptrdiff_t>(left) * 4;
   for (int y = 0; y < height; ++y, row += surface_->pitch) {
@@ -184,16 +188,15 @@ void BarcodeBase::FillRect(int x, int y, int width, int height, SDL_Color color)
 
 void BarcodeBase::FillSpans(const std::vector<Span>& spans, int top, int height, SDL_Color color) {
   if (spans.empty() || height <= 0) return;
-  if (!OwnsCanvas() || canvas_renderer() != renderer_.get() || height == 1) {
+  if (!OwnsCanvas() || height == 1) {
     for (const Span& span : spans) FillRect(span.x, top, span.width, height, color);
     return;
   }
   const int first = std::max(top, 0);
   const int end = static_cast<int>(std::min<int64_t>(int64_t{top} + height, surface_->h));
   if (first >= end) return;
-  // The pixels FillOwnCanvas writes, without its per-call flush and colour mapping.
-  SDL_RenderFlush(renderer_.get());
-  const Uint32 pixel = SDL_MapRGBA(surface_->format, color.r, color.g, color.b, color.a);
+  // The pixels FillOwnCanvas writes, with one flush and colour mapping for all spans.
+  const Uint32 pixel = OwnCanvasPixel(color);
   auto* const first_row = reinterpret_cast<Uint32*>(static_cast<uint8_t*>(surface_->pixels) +
                                                     static_cast<ptrdiff_t>(first) * surface_->pitch);
   int64_t left = surface_->w;

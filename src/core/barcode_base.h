@@ -140,6 +140,8 @@ class BarcodeBase : public IBarcodeSymbology {
   void DropCanvas();
   // True when draws go to this object's own 32-bit canvas, which it may then write directly.
   bool OwnsCanvas() const;
+  // `color` as a pixel of the own canvas, once the renderer's queued work is flushed.
+  Uint32 OwnCanvasPixel(SDL_Color color);
   // Fills a rectangle that lies inside the own canvas, as the renderer would.
   void FillOwnCanvas(int left, int top, int width, int height, SDL_Color color);
   void FillClipped(double left, double top, double right, double bottom, SDL_Color color);
