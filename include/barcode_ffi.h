@@ -14,6 +14,7 @@
 #ifndef BARCODE_ORV_BARCODE_FFI_H
 #define BARCODE_ORV_BARCODE_FFI_H
 
+#include <stddef.h>
 #include <stdint.h>
 
 #if defined(_WIN32)
@@ -87,6 +88,29 @@ BARCODE_API const char* barcode_get_last_error(BarcodeHandle* handle);
  * barcode_get_last_error says why, so a C host never sees an exception. */
 BARCODE_API void barcode_set_throw_on_capacity_error(BarcodeHandle* handle, int on);
 
+/* 1: the standard profile. The standard encodings (Code 128 set A with its ISO/IEC 15417
+ * values, Code 93 full ASCII, the published Matrix 2 of 5 patterns), the quiet zones,
+ * whole-pixel modules (fractional only when barcode_set_fit_width was called, and never
+ * below one pixel), the QR capacity error as an ordinary failure, and a refusal of every
+ * draw whose picture would not read back as its text: such a draw returns 0, keeps no
+ * picture, and barcode_get_last_error gives the reason that barcode_get_last_warning
+ * would have given (the box too small for the symbol or its text line, characters outside
+ * a fixed QR mode, text that is neither valid UTF-8 nor Shift_JIS, an empty payload, a
+ * fixed QR version too small, a Japan Post address beyond 20 positions...).
+ * 0 (default): the library's compatibility behaviour. Either call sets the switches named
+ * above; each can still be changed afterwards with its own setter. */
+BARCODE_API void barcode_set_standard(BarcodeHandle* handle, int on);
+/* After a successful draw: one line saying why its picture will not read back as the
+ * text (the symbol or its text line clipped by the box, a blank payload, a cut address,
+ * characters changed by a compatibility mapping, non-digits in QR numeric mode, a QR
+ * version grown beyond the fixed one), "" when nothing is known against it or the draw
+ * failed. Valid until the next draw on this handle or barcode_destroy. */
+BARCODE_API const char* barcode_get_last_warning(BarcodeHandle* handle);
+
+/* Process-wide: 0 keeps the library's failure lines off standard error (each is still
+ * given by barcode_get_last_error); 1 (default) writes them. */
+BARCODE_API void barcode_set_error_lines(int on);
+
 /* Process-wide: 1 switches off the progress lines the library writes to standard output
  * (sizes, module matrices), 0 switches them on. The initial value is on unless the
  * environment has BARCODE_ORV_QUIET=1. Error lines on standard error are not affected. */
@@ -104,8 +128,10 @@ BARCODE_API void barcode_set_quiet(int on);
 BARCODE_API void barcode_set_quiet_zone(BarcodeHandle* handle, int on);
 /* 1: write the standard form where the library keeps a compatibility behaviour by
  * default: Code 128 code set A with its ISO/IEC 15417 values (fixed set A, and the
- * automatic mode, which then also uses shifts), and Matrix 2 of 5 with its published
- * patterns. 0 (default): the compatibility forms (see the README). */
+ * automatic mode, which then also uses shifts), Matrix 2 of 5 with its published
+ * patterns, and Code 93 full ASCII: every ASCII character, through the standard shift
+ * pairs where it needs one, so '<', '>', '?' and '!' mean themselves. 0 (default): the
+ * compatibility forms (see the README). */
 BARCODE_API void barcode_set_standard_encoding(BarcodeHandle* handle, int on);
 /* Bar and text colour, each component cut to its low 8 bits; default 0,0,0,255. */
 BARCODE_API void barcode_set_foreground_color(BarcodeHandle* handle, int r, int g, int b, int a);
@@ -179,6 +205,11 @@ BARCODE_API int barcode_draw_1d(BarcodeHandle* handle, const char* text, int wid
 BARCODE_API int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size);
 /* 2D symbol into a width x height box (types 16..18); the same QR capacity exception. */
 BARCODE_API int barcode_draw_2d_rect(BarcodeHandle* handle, const char* text, int width, int height);
+/* `length` bytes of `data` as they are, NUL included and without any text conversion,
+ * into a width x height box (types 16..18). A NULL `data` with a nonzero length is
+ * refused. The QR capacity exception as for barcode_draw_1d. */
+BARCODE_API int barcode_draw_2d_bytes(BarcodeHandle* handle, const unsigned char* data, size_t length, int width,
+                                      int height);
 /* Japan Post customer barcode (type 15) with bars `size` pixels tall, on a canvas
  * trunc(67 size/3 + size/6 + 1) x size. */
 BARCODE_API int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int size);

@@ -158,3 +158,138 @@ TEST(Refusals, EachNamesItsFaultInOneLine) {
 
 }  // namespace
 }  // namespace barcode_orv
+
+namespace barcode_orv {
+namespace {
+
+// Draws whose picture would not read back as the text. By default the draw succeeds and
+// barcode_get_last_warning names the reason; in the standard profile the same draw is
+// refused with that reason (or its own, where quiet zones change the figure), or, where
+// the standard encoding is the cure, drawn without a warning.
+struct WarningRow {
+  int type;
+  std::string text;
+  std::string warning;   // the default profile's warning ("" for none)
+  std::string refusal;   // the standard profile's reason ("" for a clean draw)
+  int width = 600;
+  int height = 240;
+  Setup setup = nullptr;
+  Draw draw = barcode_draw_2d_rect;
+  bool svg = true;  // SVG scales: a matrix symbol in a small box is no fault there
+};
+
+const std::string kSetA =
+    "[Code128] Code set A written with the compatibility values: readers decode other text (the standard encoding "
+    "writes ISO/IEC 15417's)";
+const std::string kGs1Element = "(01)09501101530003(17)261231(10)LOT42";
+const std::string kGs1TextLine = "[GS1-128] Box too small: the text line does not fit";
+
+const WarningRow kWarningRows[] = {
+    {BARCODE_CODE128, "ABC123", kSetA, "", 600, 240, nullptr, barcode_draw_1d},
+    {BARCODE_CODE128, "12345", kSetA, "", 600, 240, nullptr, barcode_draw_1d},
+    {BARCODE_CODE128, "AB", kSetA, "", 600, 240, CodeMode("A"), barcode_draw_1d},
+    {BARCODE_CODE93, "A<B",
+     "[Code93] '<' is written as a shift character: readers decode other text (the standard encoding writes full "
+     "ASCII)",
+     "", 600, 240, nullptr, barcode_draw_1d},
+    {BARCODE_MATRIX2OF5, "123",
+     "[Matrix2of5] Compatibility patterns: readers decode other digits or nothing (the standard encoding writes the "
+     "published ones)",
+     "", 600, 240, nullptr, barcode_draw_1d},
+    {BARCODE_NEC2OF5, "123",
+     "[NEC2of5] The library's own 2-of-5 patterns: they are no published table, so readers decode other digits or "
+     "nothing",
+     "same", 600, 240, nullptr, barcode_draw_1d},
+    {BARCODE_CODE39, "ABC", "[Code39] Box too small: 79 px needed", "[Code39] Box too small: 99 px needed", 20, 100,
+     nullptr, barcode_draw_1d},
+    {BARCODE_CODE128, "abcdefghij", "[Code128] Box too small: 145 px needed", "[Code128] Box too small: 165 px needed",
+     100, 100,
+     [](BarcodeHandle* h) { barcode_set_fit_width(h, 1); }, barcode_draw_1d},
+    {BARCODE_GS1_128, kGs1Element, kGs1TextLine, kGs1TextLine, 300, 100, nullptr, barcode_draw_1d},
+    {BARCODE_QR, "A", "[QR] Box too small: 21x21 px needed", "[QR] Box too small: 29x29 px needed", 10, 10,
+     nullptr, barcode_draw_2d_rect, false},
+    {BARCODE_QR, "12AB", "[QR] Character 'A' at offset 2 is outside numeric mode", "same", 600, 240,
+     [](BarcodeHandle* h) { barcode_set_encode_mode(h, "NUMERIC"); }},
+    {BARCODE_QR, "ab", "", "[QR] Character 'a' at offset 0 is outside alphanumeric mode", 600, 240,
+     [](BarcodeHandle* h) { barcode_set_encode_mode(h, "ALPHANUMERIC"); }},
+    {BARCODE_QR, std::string(60, 'x'), "[QR] Data too long for version 1: it needs version 4", "same", 600, 240,
+     [](BarcodeHandle* h) { barcode_set_version(h, 1); }},
+    {BARCODE_QR, "caf\xE9", "[QR] Text is neither valid UTF-8 nor Shift_JIS: byte 0xE9 at offset 3 is not UTF-8",
+     "same"},
+    {BARCODE_QR, "\xF0\x9F\x98\x80", "[QR] Character at offset 0 has no Shift_JIS form", "same", 600, 240,
+     [](BarcodeHandle* h) { barcode_set_string_encoding(h, "shift-jis"); }},
+    {BARCODE_QR, "", "[QR] Empty data: the symbol would carry nothing", "same"},
+    {BARCODE_DATAMATRIX, "", "[DataMatrix] Empty data: the symbol would carry nothing", "same"},
+    {BARCODE_PDF417, "", "[PDF417] Empty data: the symbol would carry nothing", "same"},
+    {BARCODE_GS1_DATABAR_14, "", "[GS1 DataBar] Empty data: the symbol carries GTIN 00000000000000", "same", 600,
+     240, nullptr, barcode_draw_1d},
+    {BARCODE_YUBIN_CUSTOMER, "1060032-3-2-5-ABCDEFGHIJ",
+     "[YubinCustomer] Address cut: the characters from offset 17 on do not fit the 20 positions", "same", 600, 30,
+     nullptr, barcode_draw_yubin_with_width},
+    {BARCODE_YUBIN_CUSTOMER, "1060032-3-2-5ABCDEFG",
+     "[YubinCustomer] Address cut: the letter at offset 16 falls on the twentieth position and is drawn as CC1 alone",
+     "same", 600, 30, nullptr, barcode_draw_yubin_with_width},
+    {BARCODE_YUBIN_CUSTOMER, "1060032 3", "[YubinCustomer] Character at offset 7 skipped: not in 0-9, - or A-Z",
+     "same", 600, 30, nullptr, barcode_draw_yubin_with_width},
+};
+
+TEST(Warnings, DefaultDrawsNameThemAndTheStandardProfileRefuses) {
+  for (const WarningRow& row : kWarningRows) {
+    for (const char* format : {"png", "svg"}) {
+      if (!row.svg && format[0] == 's') continue;
+      SCOPED_TRACE(std::string(format) + " " + row.text);
+      testing::HandlePtr handle = testing::MakeHandle(row.type);
+      barcode_set_output_format(handle.get(), format);
+      if (row.setup) row.setup(handle.get());
+      // A matrix symbol with no data has no SVG form: that draw fails for the same reason.
+      if (row.draw(handle.get(), row.text.c_str(), row.width, row.height) == 1) {
+        EXPECT_EQ(barcode_get_last_warning(handle.get()), row.warning);
+      } else {
+        EXPECT_EQ(barcode_get_last_error(handle.get()), row.warning);
+      }
+
+      testing::HandlePtr standard = testing::MakeHandle(row.type);
+      barcode_set_output_format(standard.get(), format);
+      barcode_set_standard(standard.get(), 1);
+      if (row.setup) row.setup(standard.get());
+      ::testing::internal::CaptureStderr();
+      const int drawn = row.draw(standard.get(), row.text.c_str(), row.width, row.height);
+      const std::string printed = ::testing::internal::GetCapturedStderr();
+      const std::string refusal = row.refusal == "same" ? row.warning : row.refusal;
+      EXPECT_EQ(drawn, refusal.empty() ? 1 : 0);
+      EXPECT_EQ(barcode_get_last_error(standard.get()), refusal);
+      EXPECT_EQ(printed, refusal.empty() ? "" : refusal + "\n");
+      EXPECT_STREQ(barcode_get_last_warning(standard.get()), "");
+      // A refused draw keeps nothing a getter could hand out.
+      if (!refusal.empty()) {
+        EXPECT_TRUE(testing::ImageData(standard.get()).empty());
+        EXPECT_STREQ(barcode_get_svg(standard.get()), "");
+      }
+    }
+  }
+}
+
+TEST(Warnings, BytesEntryCarriesNulAndNamesAnEmptyPayload) {
+  testing::HandlePtr handle = testing::MakeHandle(BARCODE_QR);
+  const unsigned char bytes[] = {'a', 0, 'b'};
+  ASSERT_EQ(barcode_draw_2d_bytes(handle.get(), bytes, sizeof bytes, 200, 200), 1);
+  EXPECT_EQ(testing::DecodeHandle(handle.get(), testing::Symbology::kQRCode).bytes, std::string("a\0b", 3));
+  EXPECT_EQ(barcode_draw_2d_bytes(handle.get(), nullptr, 0, 200, 200), 1);
+  EXPECT_STREQ(barcode_get_last_warning(handle.get()), "[QR] Empty data: the symbol would carry nothing");
+  EXPECT_EQ(barcode_draw_2d_bytes(handle.get(), nullptr, 3, 200, 200), 0);
+  testing::HandlePtr linear = testing::MakeHandle(BARCODE_CODE128);
+  EXPECT_EQ(barcode_draw_2d_bytes(linear.get(), bytes, sizeof bytes, 200, 200), 0);
+}
+
+TEST(Warnings, ErrorLinesCanBeKeptOffStandardError) {
+  testing::HandlePtr handle = testing::MakeHandle(BARCODE_CODE39);
+  barcode_set_error_lines(0);
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "a*", 300, 100), 0);
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+  barcode_set_error_lines(1);
+  EXPECT_STRNE(barcode_get_last_error(handle.get()), "");
+}
+
+}  // namespace
+}  // namespace barcode_orv

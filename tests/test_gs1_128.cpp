@@ -21,15 +21,16 @@ namespace {
 
 using Values = std::vector<int32_t>;
 
-TEST(Gs1ElementString, ValidAndCompletedData) {
+TEST(Gs1ElementString, ValidData) {
   const std::pair<const char*, const char*> cases[] = {
-      {"(01)0491234567890", "(01)04912345678904"},  // check digit appended
       {"(01)04912345678904(10)ABC-12(17)251231", "(01)04912345678904(10)ABC-12(17)251231"},
+      {"[01]04912345678904[10]ABC-12[17]251231", "(01)04912345678904(10)ABC-12(17)251231"},  // Zint's brackets
       {"(10)A\\(B\\)", "(10)A(B)"},  // escaped parentheses are data
+      {"[10]A(B)", "(10)A(B)"},      // with brackets they need no escape
       {"(11)250200", "(11)250200"},  // YYMMD0: day 00 is allowed
-      {"(253)123456789012", "(253)1234567890128"},
+      {"(253)1234567890128", "(253)1234567890128"},
       {"(253)1234567890128ABC", "(253)1234567890128ABC"},
-      {"(8003)0123456789012", "(8003)01234567890128"},  // the check digit of the second field
+      {"(8003)01234567890128", "(8003)01234567890128"},
       {"(8013)1987654Ad4X4bL5ttr2310c2K", "(8013)1987654Ad4X4bL5ttr2310c2K"},
       {"(8030)QUJD=", "(8030)QUJD="},  // base64url with padding
       {"(4324)2512312359", "(4324)2512312359"},

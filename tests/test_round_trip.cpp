@@ -103,7 +103,10 @@ std::string RandomGs1128String(Rng& rng, int /*index*/) {
   for (unsigned n = 1 + rng() % 3, first = rng() % 5, k = 0; k < n; ++k) {
     const std::string ai = kAis[(first + 2 * k) % 5];
     text += ai;
-    if (ai == "(01)") text += Random(rng, kDigits, 13, 13);
+    if (ai == "(01)") {
+      const std::string gtin = Random(rng, kDigits, 13, 13);
+      text += gtin + Mod10(gtin);
+    }
     if (ai == "(10)" || ai == "(21)") text += Random(rng, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcxyz-./", 1, 12);
     if (ai == "(17)")
       text += Random(rng, kDigits, 2, 2) + "0" + Random(rng, "123456789", 1, 1) + "1" + Random(rng, kDigits, 1, 1);
@@ -112,8 +115,8 @@ std::string RandomGs1128String(Rng& rng, int /*index*/) {
   return text;
 }
 
-// What the reader returns for such a string: AIs and data run together, the GTIN with its
-// check digit, a group separator after (10) and (21) unless they come last.
+// What the reader returns for such a string: AIs and data run together, a group separator
+// after (10) and (21) unless they come last.
 std::string ReadGs1128(const std::string& text) {
   std::string out;
   for (size_t at = 0; at < text.size();) {
@@ -121,7 +124,6 @@ std::string ReadGs1128(const std::string& text) {
     const size_t next = std::min(text.find('(', close), text.size());
     const std::string ai = text.substr(at + 1, close - at - 1);
     std::string data = text.substr(close + 1, next - close - 1);
-    if (ai == "01") data += Mod10(data);
     out += ai + data + ((ai == "10" || ai == "21") && next < text.size() ? "\x1d" : "");
     at = next;
   }

@@ -18,6 +18,9 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "barcode_ffi.h"
 
 #ifndef BARCODE_ORV_VERSION
@@ -121,7 +124,8 @@ struct Request {
   std::optional<std::string> format;
   bool data_uri = false;
   bool verbose = false;
-  bool standard = false;
+  bool compat = false;  // the library's compatibility defaults instead of the standard profile
+  bool binary = false;  // standard input drawn as raw bytes (2D symbologies)
   std::string output;
   int width = 300;
   std::optional<int> height;
@@ -162,12 +166,30 @@ Handler DoubleSetter(Setter setter) {
   };
 }
 
+// The value must be one of `accepted`; the library would ignore anything else.
+void CheckKeyword(const std::string& option, const std::string& value, const std::vector<std::string>& accepted) {
+  for (const std::string& keyword : accepted) {
+    if (value == keyword) return;
+  }
+  std::string list;
+  for (const std::string& keyword : accepted) list += (list.empty() ? "" : ", ") + keyword;
+  throw UsageError{option + " must be one of " + list + ", not '" + value + "'"};
+}
+
 template <typename Setter>
-Handler TextSetter(Setter setter) {
-  return [setter](Request& request, const std::string&, const std::string& value) {
+Handler KeywordSetter(Setter setter, std::vector<std::string> accepted) {
+  return [setter, accepted](Request& request, const std::string& option, const std::string& value) {
+    CheckKeyword(option, value, accepted);
     request.options.emplace_back([setter, value](BarcodeHandle* handle) { setter(handle, value.c_str()); });
   };
 }
+
+const std::vector<std::string> kFormats = {"png", "jpg", "jpeg", "svg"};
+const std::vector<std::string> kDrawKinds = {"1d", "2d", "2d-rect", "yubin", "yubin-width", "convenience", "stacked"};
+const std::vector<std::string> kDataMatrixSizes = {
+    "AUTO",  "10x10", "12x12", "14x14", "16x16", "18x18", "20x20",   "22x22",   "24x24",   "26x26",   "32x32",
+    "36x36", "40x40", "44x44", "48x48", "52x52", "64x64", "72x72",   "80x80",   "88x88",   "96x96",   "104x104",
+    "120x120", "132x132", "144x144", "8x18", "8x32", "12x26", "12x36", "16x36", "16x48"};
 
 template <typename Setter>
 Handler ColorSetter(Setter setter) {
@@ -211,7 +233,10 @@ const std::vector<Section>& Sections() {
             "FORMAT",
             "png (default), jpg, jpeg (PNG bytes, JPEG-labelled data URI) or svg",
             {},
-            [](Request& r, const std::string&, const std::string& v) { r.format = v; }},
+            [](Request& r, const std::string& o, const std::string& v) {
+              CheckKeyword(o, v, kFormats);
+              r.format = v;
+            }},
            {"--data-uri", nullptr, "write the base64 data URI instead of the PNG bytes", {}, Flag([](Request& r) {
               r.data_uri = true;
             })},
@@ -225,7 +250,10 @@ const std::vector<Section>& Sections() {
             "KIND",
             "entry point: 1d, 2d, 2d-rect, yubin, yubin-width, convenience, stacked",
             {},
-            [](Request& r, const std::string&, const std::string& v) { r.draw = v; }},
+            [](Request& r, const std::string& o, const std::string& v) {
+              CheckKeyword(o, v, kDrawKinds);
+              r.draw = v;
+            }},
            {"--size",
             "N",
             "side for the entry points 2d and yubin (default: the width)",
@@ -244,14 +272,16 @@ const std::vector<Section>& Sections() {
             "draw the quiet zones the standard asks for, symbol centred in the box",
             {},
             Flag([](Request& r) { r.options.emplace_back([](BarcodeHandle* h) { barcode_set_quiet_zone(h, 1); }); })},
+           {"--compat",
+            nullptr,
+            "the library's compatibility defaults, byte for byte, instead of the standard profile",
+            {},
+            Flag([](Request& r) { r.compat = true; })},
            {"--standard",
             nullptr,
-            "standard forms instead of compatibility ones (Code 128 set A, Matrix 2 of 5)",
-            {2, 5},
-            Flag([](Request& r) {
-              r.standard = true;
-              r.options.emplace_back([](BarcodeHandle* h) { barcode_set_standard_encoding(h, 1); });
-            })},
+            "the standard profile (the default): only symbols that read back as the text",
+            {},
+            Flag([](Request& r) { r.compat = false; })},
            {"--fg",
             "R,G,B[,A]",
             "foreground colour (default 0,0,0,255)",
@@ -293,28 +323,38 @@ const std::vector<Section>& Sections() {
             IntSetter(barcode_set_show_start_stop, 0, 1)},
            {"--extended-guard", "0|1", "JAN/UPC: guard bars into the text, digits outside", kEanUpc,
             IntSetter(barcode_set_extended_guard, 0, 1)},
-           {"--code-mode", "MODE", "Code 128: A, B, C or AUTO", {2}, TextSetter(barcode_set_code_mode)},
+           {"--code-mode", "MODE", "Code 128: A, B, C or AUTO", {2},
+            KeywordSetter(barcode_set_code_mode, {"A", "B", "C", "AUTO"})},
        }},
       {"Two-dimensional symbologies",
        {
-           {"--string-encoding", "ENC", "utf-8 (default) or shift-jis", k2D, TextSetter(barcode_set_string_encoding)},
+           {"--string-encoding", "ENC", "utf-8 (default) or shift-jis", k2D,
+            KeywordSetter(barcode_set_string_encoding, {"utf-8", "UTF-8", "shift-jis", "Shift-JIS", "shift_jis"})},
+           {"--binary",
+            nullptr,
+            "TEXT '-': standard input drawn as raw bytes, NUL included",
+            k2D,
+            Flag([](Request& r) { r.binary = true; })},
            {"--qr-version",
             "N",
             "QR version 1-40 (0: the smallest that fits)",
             {16},
             IntSetter(barcode_set_version, 0, 40)},
-           {"--error-correction", "L", "QR level L, M, Q or H", {16}, TextSetter(barcode_set_error_correction_level)},
+           {"--error-correction", "L", "QR level L, M, Q or H", {16},
+            KeywordSetter(barcode_set_error_correction_level, {"L", "M", "Q", "H"})},
            {"--encode-mode",
             "MODE",
             "QR mode NUMERIC, ALPHANUMERIC, BYTE, KANJI or AUTO",
             {16},
-            TextSetter(barcode_set_encode_mode)},
-           {"--code-size", "SIZE", "Data Matrix size, e.g. 24x24, or AUTO", {17}, TextSetter(barcode_set_code_size)},
+            KeywordSetter(barcode_set_encode_mode,
+                          {"NUMERIC", "N", "ALPHANUMERIC", "A", "BYTE", "B", "AUTO", "KANJI", "K"})},
+           {"--code-size", "SIZE", "Data Matrix size, e.g. 24x24, or AUTO", {17},
+            KeywordSetter(barcode_set_code_size, kDataMatrixSizes)},
            {"--encode-scheme",
             "S",
             "Data Matrix ASCII, C40, TEXT, X12, EDIFACT, BASE256 or AUTO",
             {17},
-            TextSetter(barcode_set_encode_scheme)},
+            KeywordSetter(barcode_set_encode_scheme, {"ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256", "AUTO"})},
            {"--error-level",
             "N",
             "PDF417 error-correction level 0-8 (-1: automatic)",
@@ -335,8 +375,9 @@ const std::vector<Section>& Sections() {
             "NAME",
             "OMNIDIRECTIONAL, STACKED or STACKED_OMNIDIRECTIONAL",
             {12},
-            TextSetter(barcode_set_symbol_type_14)},
-           {"--symbol-type-exp", "NAME", "UNSTACKED or STACKED", {14}, TextSetter(barcode_set_symbol_type_exp)},
+            KeywordSetter(barcode_set_symbol_type_14, {"OMNIDIRECTIONAL", "STACKED", "STACKED_OMNIDIRECTIONAL"})},
+           {"--symbol-type-exp", "NAME", "UNSTACKED or STACKED", {14},
+            KeywordSetter(barcode_set_symbol_type_exp, {"UNSTACKED", "STACKED"})},
            {"--no-of-columns",
             "N",
             "segment pairs a row of stacked DataBar Expanded (1-11)",
@@ -373,18 +414,22 @@ struct Example {
 
 constexpr Example kExamples[] = {
     {0, "barcode-orv code39 ABC-1234 -o code39.png"},
-    {2, "barcode-orv --quiet-zone --width 400 code128 'Hello 128' -o code128.svg"},
-    {8, "barcode-orv --quiet-zone jan13 490123456789 -o jan13.png"},
-    {16, "barcode-orv --quiet-zone --error-correction H qr 'https://example.com' -o qr.png"},
+    {2, "barcode-orv --width 400 code128 'Hello 128' -o code128.svg"},
+    {8, "barcode-orv jan13 490123456789 -o jan13.png"},
+    {16, "barcode-orv --error-correction H qr 'https://example.com' -o qr.png"},
     {16, "echo 'text from a pipe' | barcode-orv qr - > qr.png"},
-    {17, "barcode-orv --quiet-zone datamatrix 'Data Matrix' --data-uri"},
+    {16, "head -c 64 /dev/urandom | barcode-orv --binary qr - -o bytes.png"},
+    {17, "barcode-orv datamatrix 'Data Matrix' --data-uri"},
+    {2, "barcode-orv --compat code128 ABC123 -o legacy.png"},
 };
 
 void PrintHelp() {
   std::cout << "Usage: barcode-orv [options] SYMBOLOGY TEXT\n\n"
                "Draws TEXT as a barcode (TEXT '-' reads it from standard input). SYMBOLOGY is a\n"
                "type number (0-18) or a name; --list shows which this build provides. The picture\n"
-               "goes to standard output unless -o names a file; nothing else is written there.\n";
+               "goes to standard output unless -o names a file; nothing else is written there.\n"
+               "Symbols follow their standards (quiet zones included) and are written only when they\n"
+               "read back as TEXT; --compat draws the library's compatibility defaults instead.\n";
   for (const Section& section : Sections()) {
     std::string lines;
     for (const OptionSpec& option : section.options) {
@@ -405,8 +450,8 @@ void PrintHelp() {
   for (const Example& example : kExamples) {
     if (Provided(example.type)) std::cout << "  " << example.line << "\n";
   }
-  std::cout << "\nExit status: 0 drawn, 1 the library refused the text (its message on standard\n"
-               "error), 2 a bad command line.\n";
+  std::cout << "\nExit status: 0 drawn, 1 nothing written (the reason on standard error: a refused text,\n"
+               "a symbol that would not read back, a failed write), 2 a bad command line.\n";
 }
 
 void PrintList() {
@@ -429,10 +474,23 @@ std::string ShortToLong(const std::string& arg) {
   return arg;
 }
 
-std::string ReadStandardInput() {
+// Raised for a request that cannot be drawn as asked; exit status 1.
+struct Refusal {
+  std::string message;
+};
+
+// Standard input as text (one trailing line end dropped) or, with `binary`, as it is.
+std::string ReadStandardInput(bool binary) {
   std::string text((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
+  if (binary) return text;
   if (!text.empty() && text.back() == '\n') text.pop_back();
   if (!text.empty() && text.back() == '\r') text.pop_back();
+  // The library takes text up to its first NUL: the rest would be dropped without a word.
+  const size_t nul = text.find('\0');
+  if (nul != std::string::npos) {
+    throw Refusal{"standard input holds a NUL byte at offset " + std::to_string(nul) +
+                  "; --binary draws QR Code, Data Matrix and PDF417 from raw bytes"};
+  }
   return text;
 }
 
@@ -483,7 +541,10 @@ std::optional<Request> ParseArguments(int argc, char** argv) {
   }
   if (positional.size() != 2) throw UsageError{"expected SYMBOLOGY and TEXT (see --help)"};
   request.type = ParseSymbology(positional[0]);
-  request.text = positional[1] == "-" ? ReadStandardInput() : positional[1];
+  if (request.binary && (request.type < BARCODE_QR || positional[1] != "-")) {
+    throw UsageError{"--binary reads standard input (TEXT '-') for qr, datamatrix or pdf417"};
+  }
+  request.text = positional[1] == "-" ? ReadStandardInput(request.binary) : positional[1];
   return request;
 }
 
@@ -513,6 +574,10 @@ int Draw(BarcodeHandle* handle, const Request& request) {
   const int height = request.height.value_or(two_d ? request.width : 100);
   const int size = request.size.value_or(request.width);
   const char* text = request.text.c_str();
+  if (request.binary) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(request.text.data());
+    return barcode_draw_2d_bytes(handle, bytes, request.text.size(), request.width, height);
+  }
   if (kind == "1d") return barcode_draw_1d(handle, text, request.width, height);
   if (kind == "2d") return barcode_draw_2d(handle, text, size);
   if (kind == "2d-rect") return barcode_draw_2d_rect(handle, text, request.width, height);
@@ -525,72 +590,66 @@ int Draw(BarcodeHandle* handle, const Request& request) {
 
 using HandlePtr = std::unique_ptr<BarcodeHandle, decltype(&barcode_destroy)>;
 
-// SVG of the request drawn with or without the standard encoding.
-std::string SvgOf(const Request& request, bool standard) {
-  HandlePtr handle(barcode_create(request.type), barcode_destroy);
-  barcode_set_output_format(handle.get(), "svg");
-  for (const auto& option : request.options) option(handle.get());
-  barcode_set_standard_encoding(handle.get(), standard ? 1 : 0);
-  return Draw(handle.get(), request) != 0 ? barcode_get_svg(handle.get()) : std::string();
+// Writes `data` to `path`; 0, or the errno of the step that failed.
+int WriteFile(const std::string& path, const char* data, size_t size) {
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  if (file == nullptr) return errno;
+  int error = 0;
+  if (std::fwrite(data, 1, size, file) != size || std::fflush(file) != 0) error = errno;
+  if (std::fclose(file) != 0 && error == 0) error = errno;
+  return error;
 }
 
-// Readers decode the compatibility forms of Code 128 set A and Matrix 2 of 5 as other
-// text (or not at all): say so when the symbol differs from its standard form.
-void WarnAboutCompatibilityForms(const Request& request) {
-  if (request.standard || (request.type != BARCODE_CODE128 && request.type != BARCODE_MATRIX2OF5)) return;
-  if (SvgOf(request, false) == SvgOf(request, true)) return;
-  std::cerr << "barcode-orv: warning: this symbol uses the library's compatibility form of "
-            << (request.type == BARCODE_CODE128 ? "Code 128 code set A" : "Matrix 2 of 5")
-            << ", which standard readers decode differently; --standard draws the standard form\n";
-}
-
-bool WriteOutput(const Request& request, const char* data, size_t size) {
+// Writes to standard output; to a file through a temporary file beside it that replaces
+// it only once every byte is written and the file closed, so a failed write leaves no
+// file and an existing one untouched; to anything else that exists (a device, a pipe) in
+// place.
+void WriteOutput(const Request& request, const char* data, size_t size) {
   if (request.output.empty() || request.output == "-") {
     std::cout.write(data, static_cast<std::streamsize>(size));
     std::cout.flush();
-    return static_cast<bool>(std::cout);
+    if (!std::cout) throw Refusal{"cannot write standard output"};
+    return;
   }
-  std::ofstream file(request.output, std::ios::binary);
-  file.write(data, static_cast<std::streamsize>(size));
-  return static_cast<bool>(file);
+  struct stat target {};
+  const bool in_place = ::stat(request.output.c_str(), &target) == 0 && !S_ISREG(target.st_mode);
+  const std::string temporary = in_place ? request.output : request.output + ".partial-" + std::to_string(::getpid());
+  int error = WriteFile(temporary, data, size);
+  if (error == 0 && !in_place && std::rename(temporary.c_str(), request.output.c_str()) != 0) error = errno;
+  if (error != 0) {
+    if (!in_place) std::remove(temporary.c_str());
+    throw Refusal{"cannot write " + request.output + ": " + std::strerror(error)};
+  }
+}
+
+// The drawn result as the request asks for it: the SVG document, the data URI or the PNG.
+std::string Collect(BarcodeHandle* handle, const Request& request) {
+  if (barcode_is_svg_output(handle) != 0) return barcode_get_svg(handle);
+  if (request.data_uri) return std::string(barcode_get_base64(handle)) + "\n";
+  uint32_t size = 0;
+  const uint8_t* png = barcode_get_image_data(handle, &size);
+  if (png == nullptr) throw Refusal{std::string("no image was produced: ") + barcode_get_last_error(handle)};
+  return std::string(reinterpret_cast<const char*>(png), size);
 }
 
 int Run(const Request& request) {
   barcode_set_quiet(request.verbose ? 0 : 1);
+  barcode_set_error_lines(0);  // each failure is printed once, below
   HandlePtr handle(barcode_create(request.type), barcode_destroy);
-  if (!handle) {
-    std::cerr << "barcode-orv: symbology " << request.type << " is not provided by this build\n";
-    return 1;
-  }
+  if (!handle) throw Refusal{"symbology " + std::to_string(request.type) + " is not provided by this build"};
   barcode_set_output_format(handle.get(), OutputFormat(request).c_str());
+  barcode_set_standard(handle.get(), request.compat ? 0 : 1);
   barcode_set_throw_on_capacity_error(handle.get(), 0);  // reported, never an abort
   for (const auto& option : request.options) option(handle.get());
   if (Draw(handle.get(), request) == 0) {
-    std::cerr << "barcode-orv: drawing failed: " << barcode_get_last_error(handle.get()) << "\n";
-    return 1;
+    const std::string reason = barcode_get_last_error(handle.get());
+    throw Refusal{reason.empty() ? "the library drew nothing and gave no reason" : reason};
   }
-  WarnAboutCompatibilityForms(request);
-  bool written = false;
-  if (barcode_is_svg_output(handle.get()) != 0) {
-    const std::string svg = barcode_get_svg(handle.get());
-    written = WriteOutput(request, svg.data(), svg.size());
-  } else if (request.data_uri) {
-    std::string uri = barcode_get_base64(handle.get());
-    uri += '\n';
-    written = WriteOutput(request, uri.data(), uri.size());
-  } else {
-    uint32_t size = 0;
-    const uint8_t* png = barcode_get_image_data(handle.get(), &size);
-    if (png == nullptr) {
-      std::cerr << "barcode-orv: no image was produced: " << barcode_get_last_error(handle.get()) << "\n";
-      return 1;
-    }
-    written = WriteOutput(request, reinterpret_cast<const char*>(png), size);
-  }
-  if (!written) {
-    std::cerr << "barcode-orv: cannot write " << (request.output.empty() ? "standard output" : request.output) << "\n";
-    return 1;
-  }
+  // The standard profile refuses such a draw; --compat asked for the picture as it is.
+  const std::string warning = barcode_get_last_warning(handle.get());
+  if (!warning.empty()) std::cerr << "barcode-orv: warning: " << warning << "\n";
+  const std::string output = Collect(handle.get(), request);
+  WriteOutput(request, output.data(), output.size());
   return 0;
 }
 
@@ -604,6 +663,9 @@ int main(int argc, char** argv) {
   } catch (const UsageError& error) {
     std::cerr << "barcode-orv: " << error.message << "\n";
     return 2;
+  } catch (const Refusal& refusal) {
+    std::cerr << "barcode-orv: " << refusal.message << "\n";
+    return 1;
   } catch (const std::exception& error) {
     std::cerr << "barcode-orv: " << error.what() << "\n";
     return 1;

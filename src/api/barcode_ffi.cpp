@@ -120,6 +120,27 @@ void barcode_set_throw_on_capacity_error(BarcodeHandle* handle, int on) {
 
 void barcode_set_quiet(int on) { barcode_orv::log::SetQuiet(on != 0); }
 
+void barcode_set_error_lines(int on) { barcode_orv::log::SetErrorLines(on != 0); }
+
+const char* barcode_get_last_warning(BarcodeHandle* handle) {
+  const BarcodeBase* object = ObjectOf(handle);
+  if (object == nullptr || !handle->last_error.empty()) return kEmpty;
+  return object->GetLastWarning().c_str();
+}
+
+void barcode_set_standard(BarcodeHandle* handle, int on) {
+  BarcodeBase* object = ObjectOf(handle);
+  if (object == nullptr) return;
+  const bool standard = on != 0;
+  object->SetStandardProfile(standard);
+  object->SetStandardEncoding(standard);
+  object->SetQuietZone(standard);
+  handle->throw_on_capacity_error = !standard;
+  // Whole-pixel modules unless the host asked for fit_width itself; GS1-128's default
+  // fractional fit comes back with the compatibility profile.
+  if (!handle->fit_width_set) object->SetFitWidth(!standard && handle->type == BARCODE_GS1_128);
+}
+
 // ---- Options for every symbology ----
 
 void barcode_set_foreground_color(BarcodeHandle* handle, int r, int g, int b, int a) {
@@ -147,7 +168,10 @@ void barcode_set_quiet_zone(BarcodeHandle* handle, int on) {
 }
 
 void barcode_set_fit_width(BarcodeHandle* handle, int fit) {
-  if (BarcodeBase* object = ObjectOf(handle)) object->SetFitWidth(fit != 0);
+  if (BarcodeBase* object = ObjectOf(handle)) {
+    object->SetFitWidth(fit != 0);
+    handle->fit_width_set = true;
+  }
 }
 
 // ---- Options for linear symbologies ----

@@ -135,4 +135,13 @@ int barcode_draw_2d_rect(BarcodeHandle* handle, const char* text, int width, int
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
+int barcode_draw_2d_bytes(BarcodeHandle* handle, const unsigned char* data, size_t length, int width, int height) {
+  BarcodeBase2D* object = TwoDObject(handle);
+  if (object == nullptr || (data == nullptr && length != 0)) return 0;
+  return GuardDraw(handle, [&] {
+    const std::vector<uint8_t> bytes(data, data + length);
+    return object->DrawBytes(bytes, 0, 0, width, height);
+  });
+}
+
 }  // extern "C"

@@ -19,6 +19,7 @@ struct BarcodeHandle {
   std::vector<uint8_t> image_data;  // last barcode_get_image_data result
   std::string last_error;           // why the last draw failed, "" after a success
   bool throw_on_capacity_error = true;
+  bool fit_width_set = false;  // the host chose fit_width itself; the standard profile keeps it
 };
 
 namespace barcode_orv::ffi {
@@ -48,26 +49,50 @@ void GuardSetter(Body&& body) noexcept {
 
 // Runs a draw on `handle` and keeps its outcome for barcode_get_last_error. Nothing but
 // the documented capacity error leaves, and that one only while the handle asks for it.
+// A successful draw with a warning is refused in the standard profile: the picture would
+// not read back as its text, so nothing of it is kept.
+inline int RefuseOrAccept(BarcodeHandle* handle) {
+  BarcodeBase& object = *handle->object;
+  if (object.GetStandardProfile() && !object.GetLastWarning().empty()) {
+    handle->last_error = object.GetLastWarning();
+    object.ResetWarning();
+    object.DiscardOutput();
+    log::Error(handle->last_error);
+    return 0;
+  }
+  handle->last_error.clear();
+  return 1;
+}
+
+// A failed draw: its reason kept for barcode_get_last_error. In the standard profile every
+// failure has its line on standard error, even those silent by default, and nothing of a
+// half-made picture stays behind.
+inline int Fail(BarcodeHandle* handle, std::string reason, bool printed) {
+  handle->last_error = std::move(reason);
+  handle->object->ResetWarning();
+  if (handle->object->GetStandardProfile()) {
+    if (!printed) log::PrintError(handle->last_error);
+    handle->object->DiscardOutput();
+  }
+  return 0;
+}
+
 template <typename Body>
 int GuardDraw(BarcodeHandle* handle, Body&& body) {
   const log::ReasonCapture capture;
+  handle->object->ResetWarning();
   try {
-    if (body()) {
-      handle->last_error.clear();
-      return 1;
-    }
-    handle->last_error = capture.last().empty() ? std::string("Draw failed") : capture.last();
-    return 0;
+    if (body()) return RefuseOrAccept(handle);
+    if (capture.last().empty()) return Fail(handle, "Draw failed", false);
+    return Fail(handle, capture.last(), capture.last_printed());
   } catch (const SymbolCapacityError& error) {
-    handle->last_error = error.what();
+    Fail(handle, error.what(), false);
     if (handle->throw_on_capacity_error) throw;
     return 0;
   } catch (const std::exception& error) {
-    handle->last_error = error.what();
-    return 0;
+    return Fail(handle, error.what(), false);
   } catch (...) {
-    handle->last_error = "Draw failed";
-    return 0;
+    return Fail(handle, "Draw failed", false);
   }
 }
 

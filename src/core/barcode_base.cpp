@@ -44,6 +44,27 @@ void AppendInt(std::string& out, long long value) {
   out.append(buffer, result.ptr);
 }
 
+// Character data of an XML element: '&', '<', '>' and '"' as their entities, and the C0
+// controls XML 1.0 forbids (a Code 128 text may hold them) as their pictures, U+2400 on.
+void AppendEscapedXml(std::string& out, const std::string& text) {
+  for (char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    switch (c) {
+      case '&': out += "&amp;"; break;
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '"': out += "&quot;"; break;
+      default:
+        if (byte < 0x20 && c != '\t' && c != '\n' && c != '\r') {
+          out += "\xE2\x90";
+          out += static_cast<char>(0x80 + byte);
+        } else {
+          out += c;
+        }
+    }
+  }
+}
+
 }  // namespace
 
 BarcodeBase::BarcodeBase(std::string output_format) : output_format_(std::move(output_format)) {}
@@ -129,6 +150,11 @@ bool BarcodeBase::CreateSurface(int width, int height) {
 void BarcodeBase::ReleaseCanvas() {
   spare_renderer_ = std::move(renderer_);
   spare_surface_ = std::move(surface_);
+}
+
+void BarcodeBase::DiscardOutput() {
+  ReleaseCanvas();
+  svg_.clear();
 }
 
 void BarcodeBase::DropCanvas() {
@@ -415,7 +441,7 @@ void BarcodeBase::SvgText(float x, float y, const std::string& text, int font_si
   svg_ += "\" text-anchor=\"";
   svg_ += anchor;
   svg_ += "\" dominant-baseline=\"hanging\">";
-  svg_ += text;  // callers pass symbol characters only; nothing is escaped
+  AppendEscapedXml(svg_, text);  // a '<' or '&' copied as it is would end the document
   svg_ += "</text>\n";
 }
 

@@ -62,6 +62,17 @@ class BarcodeBase : public IBarcodeSymbology {
   // default (Code 128 set A values, the Matrix 2 of 5 patterns).
   void SetStandardEncoding(bool on) { standard_encoding = on; }
   bool GetStandardEncoding() const { return standard_encoding; }
+  // The standard profile: every draw either reads back as its text or fails. A warning
+  // of a successful draw (below) then refuses the draw instead.
+  void SetStandardProfile(bool on) { standard_profile = on; }
+  bool GetStandardProfile() const { return standard_profile; }
+  // Why the picture of the last successful draw will not read back as its text (clipped by
+  // the box, a blank payload, a compatibility mapping...), with the symbology's prefix;
+  // "" when nothing is known against it. Draws start by calling ResetWarning.
+  const std::string& GetLastWarning() const { return warning_; }
+  void ResetWarning() { warning_.clear(); }
+  // Forgets the last drawing (canvas and SVG document), as if no draw had succeeded.
+  void DiscardOutput();
   // Draws the symbol with the quiet zones its standard asks for, centred in the box.
   void SetQuietZone(bool on) { quiet_zone = on; }
   bool GetQuietZone() const { return quiet_zone; }
@@ -114,6 +125,11 @@ class BarcodeBase : public IBarcodeSymbology {
   // at (left, top), clipped to the canvas; false with SDL's error when that fails.
   bool BlendOntoCanvas(SDL_Surface* image, int left, int top);
 
+  // Records why the drawing will not read back as its text; the first reason stays.
+  void Warn(const std::string& reason) const {
+    if (warning_.empty()) warning_ = reason;
+  }
+
   // SVG document builder.
   void SvgBegin(int width, int height);
   void SvgRect(float x, float y, float width, float height, SDL_Color color);
@@ -126,6 +142,7 @@ class BarcodeBase : public IBarcodeSymbology {
   bool fit_width = false;
   bool quiet_zone = false;
   bool standard_encoding = false;
+  bool standard_profile = false;
   int px_adjust_black = 0;
   int px_adjust_white = 0;
   int draw_width = 0;
@@ -155,6 +172,7 @@ class BarcodeBase : public IBarcodeSymbology {
   SurfacePtr spare_surface_;
   PngEncoder png_encoder_;  // kept between draws like the canvas
   std::string svg_;
+  mutable std::string warning_;  // layout helpers that only read the object may warn
 };
 
 }  // namespace barcode_orv

@@ -33,20 +33,34 @@ namespace {
 thread_local ReasonCapture* current_capture = nullptr;
 }  // namespace
 
-void Record(std::string_view line) {
-  if (current_capture != nullptr) current_capture->last_.assign(line.data(), line.size());
+void Record(std::string_view line, bool printed) {
+  if (current_capture == nullptr) return;
+  current_capture->last_.assign(line.data(), line.size());
+  current_capture->last_printed_ = printed;
 }
 
 ReasonCapture::ReasonCapture() : outer_(current_capture) { current_capture = this; }
 
 ReasonCapture::~ReasonCapture() { current_capture = outer_; }
 
+namespace {
+std::atomic<bool> error_lines{true};
+}  // namespace
+
+bool ErrorLines() { return error_lines.load(std::memory_order_relaxed); }
+
+void SetErrorLines(bool on) { error_lines.store(on, std::memory_order_relaxed); }
+
 void Error(std::string_view line) {
-  std::cerr << line << std::endl;
-  Record(line);
+  if (ErrorLines()) std::cerr << line << std::endl;
+  Record(line, true);
 }
 
-void Reason(std::string_view line) { Record(line); }
+void Reason(std::string_view line) { Record(line, false); }
+
+void PrintError(std::string_view line) {
+  if (ErrorLines()) std::cerr << line << std::endl;
+}
 
 void Debug(std::string_view line) {
   if (Quiet()) return;

@@ -197,6 +197,8 @@ bool GS1DataBar14::encode(const std::string& data) {  // NOLINT(readability-iden
 std::string GS1DataBar14::CalculateCheckDigit(const std::string& digits) { return internal::GtinCheckDigit13(digits); }
 
 bool GS1DataBar14::DrawForm(const std::string& text, int x, int y, int width, int height, bool svg) {
+  // Deliberate: an empty text pads to GTIN 00000000000000, as this symbol always has.
+  if (text.empty()) Warn(std::string(kLogPrefix) + "Empty data: the symbol carries GTIN 00000000000000");
   if (Form() == internal::DataBar14Form::kOmnidirectional) {
     // The leading light module of the guard is the layout's lead; the bars start after it.
     auto linear = [this](const std::string& data) {

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "core/log.h"
 #include "databar/databar_common.h"
 #include "databar/databar_tables.h"
 #include "databar/gtin_check_digit.h"
@@ -105,6 +106,8 @@ bool GS1DataBarLimited::Draw(const std::string& text, int x, int y, int width, i
 }
 
 bool GS1DataBarLimited::DrawSvg(const std::string& /*text*/, int /*x*/, int /*y*/, int /*width*/, int /*height*/) {
+  // Silent by default, as it always was; a host can still read why nothing was drawn.
+  log::Reason(std::string(kLogPrefix) + "GS1 DataBar Limited has no SVG form; draw it as PNG");
   return false;
 }
 

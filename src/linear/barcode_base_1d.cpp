@@ -101,6 +101,8 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
   int64_t total = int64_t{lead_modules} + trail_modules;
   for (int32_t w : symbol.widths) total += w;
   const float unit = ModuleWidthFor(width, total, fit_width);
+  // Modules under a pixel wide print as a grey blur: the standard profile never draws them.
+  if (standard_profile && unit < 1.0F) throw std::runtime_error("Box too small: " + std::to_string(total) + " px needed");
   if (quiet_zone) {
     // The symbol and its zones, in whole pixels unless fit_width, centred in the box.
     const double needed = static_cast<double>(unit) * static_cast<double>(total);
@@ -149,7 +151,46 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
   } else {
     PlaceRuns(symbol, layout, unit, lead_modules, rows, x, y, height, &placed);
   }
+  placed.modules = total;
+  placed.bar_height = rows.bar_height;
   return placed;
+}
+
+void BarcodeBase1D::WarnUnlessInside(const PlacedSymbol& placed, const Box& box, const char* log_prefix) const {
+  const double right = static_cast<double>(box.x) + box.width + 0.5;
+  const bool bars_inside = std::all_of(placed.bars.begin(), placed.bars.end(), [right](const SDL_FRect& bar) {
+    return static_cast<double>(bar.x) + static_cast<double>(bar.w) <= right;
+  });
+  if (!bars_inside || placed.drawn_width > box.width) {
+    Warn(log_prefix + ("Box too small: " + std::to_string(placed.modules) + " px needed"));
+  } else if (!placed.bars.empty() && placed.bar_height < 1.0F) {
+    Warn(log_prefix + std::string("Box too small: no height is left for the bars above the text"));
+  } else {
+    for (const TextPlacement& text : placed.texts) {
+      if (!TextInside(text, box)) {
+        Warn(log_prefix + std::string("Box too small: the text line does not fit"));
+        break;
+      }
+    }
+  }
+}
+
+bool BarcodeBase1D::TextInside(const TextPlacement& placement, const Box& box) {
+  if (placement.pieces.empty()) return true;
+  const int64_t top = placement.bottom_aligned ? placement.top - placement.font_size : placement.top;
+  if (top < box.y || top + placement.font_size > int64_t{box.y} + box.height) return false;
+  const std::lock_guard<std::mutex> lock(font::Mutex());
+  if (m_font == nullptr) return true;  // no font, no text line to clip
+  TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(placement.font_size, kMaxRasterFontPoints));
+  if (font == nullptr) return true;
+  // The pieces run left to right, so the first and the last bound the line.
+  for (const TextPiece* piece : {&placement.pieces.front(), &placement.pieces.back()}) {
+    int glyphs_width = 0;
+    if (TTF_SizeUTF8(font, piece->text.c_str(), &glyphs_width, nullptr) != 0) continue;
+    const int64_t left = piece->left + (piece->width - glyphs_width) / 2;  // NOLINT(bugprone-integer-division)
+    if (left < int64_t{box.x} - 1 || left + glyphs_width > int64_t{box.x} + box.width + 1) return false;
+  }
+  return true;
 }
 
 void BarcodeBase1D::PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, int32_t lead_modules,
@@ -226,6 +267,7 @@ bool BarcodeBase1D::PlaceOrReport(const LinearSymbol& symbol, int x, int y, int 
                                   const char* log_prefix, PlacedSymbol* placed) const {
   try {
     *placed = Place(symbol, x, y, width, height);
+    WarnUnlessInside(*placed, Box{x, y, width, height}, log_prefix);
     return true;
   } catch (const std::exception& error) {
     log::Error(std::string(log_prefix) + error.what());

@@ -125,7 +125,19 @@ class BarcodeBase1D : public BarcodeBase {
     std::vector<SDL_FRect> bars;
     std::vector<TextPlacement> texts;
     int drawn_width = 0;
+    int64_t modules = 0;       // the symbol's width in modules, quiet zones included
+    float bar_height = 0.0F;  // of the bars that reach no further than the text
   };
+  struct Box {
+    int x;
+    int y;
+    int width;
+    int height;
+  };
+  // Warns when bars or text of `placed` leave `box`.
+  void WarnUnlessInside(const PlacedSymbol& placed, const Box& box, const char* log_prefix) const;
+  // Whether the glyphs of a text placement stay inside `box`.
+  static bool TextInside(const TextPlacement& placement, const Box& box);
   // Throws when the quiet zones are on and the symbol cannot fit the box.
   PlacedSymbol Place(const LinearSymbol& symbol, int x, int y, int width, int height) const;
   bool PlaceOrReport(const LinearSymbol& symbol, int x, int y, int width, int height, const char* log_prefix,

@@ -248,7 +248,32 @@ std::vector<int32_t> Code128::EncodeCode128(const std::string& text) {
   return internal::EncodeCode128(text, code_mode_);
 }
 
-BarcodeBase1D::LinearSymbol Code128::Encode(const std::string& text) { return LinearSymbol{EncodeCode128(text), text}; }
+namespace {
+
+// Whether symbol values (start to stop) write any data character in code set A.
+bool WritesSetA(const std::vector<int32_t>& values) {
+  int set = values.front() - kStartA;
+  for (size_t i = 1; i + 2 < values.size(); ++i) {
+    const int32_t value = values[i];
+    if (set == kSetA && value < 96) return true;
+    // A latch value names the set it enters; in that set itself it is data or FNC4.
+    for (int target = kSetA; target <= kSetC; ++target) {
+      if (value == kLatch[static_cast<size_t>(target)] && set != target) set = target;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+BarcodeBase1D::LinearSymbol Code128::Encode(const std::string& text) {
+  LinearSymbol symbol{EncodeCode128(text), text};
+  if (!standard_encoding && WritesSetA(internal::Code128Values(text, code_mode_))) {
+    Warn("[Code128] Code set A written with the compatibility values: readers decode other text "
+         "(the standard encoding writes ISO/IEC 15417's)");
+  }
+  return symbol;
+}
 
 bool Code128::Draw(const std::string& text, int x, int y, int width, int height) {
   if (IsSvgOutput()) return DrawSvg(text, x, y, width, height);

@@ -22,6 +22,31 @@ constexpr std::array<const char*, 47> kPatterns = {
 };
 static_assert(kAlphabet.size() == kPatterns.size());
 
+// Code 93 full ASCII (AIM USS Code 93): every ASCII character as one symbol character or
+// a shift and a letter, the shifts written as their stand-ins '<' ($), '>' (%), '?' (/)
+// and '!' (+). '$', '%', '+' and '/' have symbol characters of their own.
+constexpr std::array<const char*, 128> kFullAscii = {
+    ">U", "<A", "<B", "<C", "<D", "<E", "<F", "<G", "<H", "<I", "<J", "<K", "<L", "<M", "<N", "<O",
+    "<P", "<Q", "<R", "<S", "<T", "<U", "<V", "<W", "<X", "<Y", "<Z", ">A", ">B", ">C", ">D", ">E",
+    " ",  "?A", "?B", "?C", "$",  "%",  "?F", "?G", "?H", "?I", "?J", "+",  "?L", "-",  ".",  "/",
+    "0",  "1",  "2",  "3",  "4",  "5",  "6",  "7",  "8",  "9",  "?Z", ">F", ">G", ">H", ">I", ">J",
+    ">V", "A",  "B",  "C",  "D",  "E",  "F",  "G",  "H",  "I",  "J",  "K",  "L",  "M",  "N",  "O",
+    "P",  "Q",  "R",  "S",  "T",  "U",  "V",  "W",  "X",  "Y",  "Z",  ">K", ">L", ">M", ">N", ">O",
+    ">W", "!A", "!B", "!C", "!D", "!E", "!F", "!G", "!H", "!I", "!J", "!K", "!L", "!M", "!N", "!O",
+    "!P", "!Q", "!R", "!S", "!T", "!U", "!V", "!W", "!X", "!Y", "!Z", ">P", ">Q", ">R", ">S", ">T",
+};
+
+constexpr bool IsFullAsciiTable() {
+  for (size_t c = 0; c < kFullAscii.size(); ++c) {
+    const std::string_view entry = kFullAscii[c];
+    const bool plain = entry.size() == 1 && entry[0] == static_cast<char>(c);
+    const bool shifted = entry.size() == 2 && kAlphabet.find(entry[0]) >= 43 && entry[1] >= 'A' && entry[1] <= 'Z';
+    if (!plain && !shifted) return false;
+  }
+  return true;
+}
+static_assert(IsFullAsciiTable(), "each entry is the character itself or a shift and a letter");
+
 constexpr const char* kStart = "111141";
 constexpr const char* kStop = "1111411";  // with the termination bar
 
@@ -40,6 +65,17 @@ void AppendPattern(const char* pattern, std::vector<int32_t>& widths) {
 }  // namespace
 
 namespace internal {
+
+std::string ExpandFullAscii93(const std::string& text) {
+  std::string expanded;
+  expanded.reserve(text.size() * 2);
+  for (char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= kFullAscii.size()) throw std::runtime_error(std::string("Invalid character in CODE93: ") + c);
+    expanded += kFullAscii[byte];
+  }
+  return expanded;
+}
 
 int GetModulus47(const std::string& text, int max_weight) {
   if (max_weight < 1) throw std::invalid_argument("GetModulus47: max_weight must be positive");
@@ -77,7 +113,18 @@ Code93::Code93(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
 
 std::vector<int32_t> Code93::EncodeCode93(const std::string& text) { return internal::EncodeCode93(text); }
 
-BarcodeBase1D::LinearSymbol Code93::Encode(const std::string& text) { return LinearSymbol{EncodeCode93(text), text}; }
+BarcodeBase1D::LinearSymbol Code93::Encode(const std::string& text) {
+  if (standard_encoding) return LinearSymbol{internal::EncodeCode93(internal::ExpandFullAscii93(text)), text};
+  LinearSymbol symbol{EncodeCode93(text), text};
+  // Deliberate: by default '<', '>', '?' and '!' stand for the four shift characters, as
+  // callers of this library have always written them.
+  const size_t stand_in = text.find_first_of("<>?!");
+  if (stand_in != std::string::npos) {
+    Warn(std::string("[Code93] '") + text[stand_in] +
+         "' is written as a shift character: readers decode other text (the standard encoding writes full ASCII)");
+  }
+  return symbol;
+}
 
 bool Code93::Draw(const std::string& text, int x, int y, int width, int height) {
   if (IsSvgOutput()) return DrawSvg(text, x, y, width, height);

@@ -17,6 +17,9 @@ std::vector<int32_t> EncodeCode93(const std::string& text);
 // Weighted modulo-47 sum of `text`; the weights run 1..max_weight from the last
 // character backwards and then start again at 1.
 int GetModulus47(const std::string& text, int max_weight);
+// Code 93 full ASCII: `text` (ASCII only) with every character that needs a shift pair
+// written as one, in the stand-ins EncodeCode93 takes.
+std::string ExpandFullAscii93(const std::string& text);
 
 }  // namespace internal
 

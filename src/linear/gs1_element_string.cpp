@@ -71,20 +71,12 @@ void CheckComponent(std::string_view ai, std::string_view part, uint16_t checks)
   if (bad_time) Fail("Invalid time in " + Ai(ai) + ": " + std::string(part));
 }
 
-// Appends the modulo-10 check digit when the data ends one digit before it.
-void CompleteCheckDigit(const AiEntry& entry, std::string& value) {
-  size_t start = 0;
-  for (size_t i = 0; i < entry.component_count; ++i) {
-    const Component& component = entry.components[i];
-    if ((component.checks & gs1::kCheckMod10) != 0) {
-      const size_t end = start + component.max_length;
-      if (value.size() + 1 == end && AllDigits(value)) {
-        value += static_cast<char>('0' + Gs1Mod10(std::string_view(value).substr(start)));
-      }
-      return;
-    }
-    start += component.max_length;  // components before a check digit are fixed length
-  }
+// A GTIN-13 typed into (01) is the commonest short (01): name the 14-digit form it
+// stands for instead of guessing it.
+std::string ShortValueHint(std::string_view ai, const std::string& value) {
+  if (ai != "01" || value.size() != 13 || !AllDigits(value)) return "";
+  if (value.back() != static_cast<char>('0' + Gs1Mod10(std::string_view(value).substr(0, 12)))) return "";
+  return ": a GTIN-13 is written with a leading 0, (01)0" + value;
 }
 
 }  // namespace
@@ -113,9 +105,11 @@ std::string ValidateGs1Value(std::string_view ai, std::string value) {
   const AiEntry* entry = FindGs1Ai(ai);
   if (entry == nullptr) Fail("Unknown " + Ai(ai));
   if (value.empty()) Fail(Ai(ai) + " has no data");
-  CompleteCheckDigit(*entry, value);
+  // A check digit is never computed here: a short field is an error, not a guess.
   if (value.size() > entry->max_length) Fail(Ai(ai) + " too long (max " + std::to_string(entry->max_length) + ")");
-  if (value.size() < entry->min_length) Fail(Ai(ai) + " too short (min " + std::to_string(entry->min_length) + ")");
+  if (value.size() < entry->min_length) {
+    Fail(Ai(ai) + " too short (min " + std::to_string(entry->min_length) + ")" + ShortValueHint(ai, value));
+  }
   // The fields first (only the last may vary in length, optional ones come last), then
   // their characters and checks.
   std::array<std::string_view, gs1::kMaxComponents> parts{};
@@ -148,19 +142,26 @@ std::string ValidateGs1Value(std::string_view ai, std::string value) {
 
 std::vector<Gs1Element> ParseGs1ElementString(std::string_view text) {
   if (text.empty()) Fail("Empty string");
-  if (text.front() != '(') Fail("Element string must start with an AI in parentheses, such as (01)");
+  // AIs in parentheses, or in square brackets as Zint and BWIPP write them; with brackets,
+  // parentheses in the data are plain characters.
+  const bool brackets = text.front() == '[';
+  if (text.front() != '(' && !brackets) Fail("Element string must start with an AI in parentheses, such as (01)");
+  const char open = brackets ? '[' : '(';
+  const char close_mark = brackets ? ']' : ')';
   std::vector<Gs1Element> elements;
   size_t pos = 0;
   while (pos < text.size()) {
-    const size_t close = text.find(')', pos + 1);
-    if (close == std::string_view::npos) Fail("Unclosed parenthesis: " + std::string(text.substr(pos)));
+    const size_t close = text.find(close_mark, pos + 1);
+    if (close == std::string_view::npos) {
+      Fail(std::string(brackets ? "Unclosed bracket: " : "Unclosed parenthesis: ") + std::string(text.substr(pos)));
+    }
     const std::string_view ai = text.substr(pos + 1, close - pos - 1);
     if (ai.size() < 2 || ai.size() > 4 || !AllDigits(ai)) Fail("Invalid AI (" + std::string(ai) + ")");
     const AiEntry* entry = FindGs1Ai(ai);
     if (entry == nullptr) Fail("Unknown " + Ai(ai));
     std::string value;
-    for (pos = close + 1; pos < text.size() && text[pos] != '('; ++pos) {
-      const bool escape = text[pos] == '\\' && pos + 1 < text.size() &&
+    for (pos = close + 1; pos < text.size() && text[pos] != open; ++pos) {
+      const bool escape = !brackets && text[pos] == '\\' && pos + 1 < text.size() &&
                           (text[pos + 1] == '(' || text[pos + 1] == ')' || text[pos + 1] == '\\');
       if (escape) ++pos;
       value += text[pos];

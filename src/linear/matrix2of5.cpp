@@ -99,7 +99,16 @@ std::vector<int32_t> TwoOfFiveMatrixBarcode::EncodeWidths(const std::string& tex
 }
 
 BarcodeBase1D::LinearSymbol TwoOfFiveMatrixBarcode::Encode(const std::string& text) const {
-  return LinearSymbol{EncodeWidths(text), text};
+  LinearSymbol symbol{EncodeWidths(text), text};
+  const bool matrix = numeric_error_ == internal::kMatrix2of5NumericError;
+  if (!standard_encoding || !matrix) {
+    Warn(std::string(log_prefix_) +
+         (matrix ? "Compatibility patterns: readers decode other digits or nothing (the standard encoding writes "
+                   "the published ones)"
+                 : "The library's own 2-of-5 patterns: they are no published table, so readers decode other digits "
+                   "or nothing"));
+  }
+  return symbol;
 }
 
 bool TwoOfFiveMatrixBarcode::Draw(const std::string& text, int x, int y, int width, int height) {

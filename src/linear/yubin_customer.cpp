@@ -42,6 +42,8 @@ int CheckValueOf(std::string_view group) {
 }
 
 // trunc(67 p + h/6 + 1) with p = h/3, in float, as the published layout computes it.
+const std::string kLogPrefix = "[YubinCustomer] ";
+
 int CanvasWidth(int h) {
   const auto height = static_cast<float>(h);
   return static_cast<int>(67.0F * (height / 3.0F) + height / 6.0F + 1.0F);
@@ -56,17 +58,27 @@ YubinBars EncodeYubin(const std::string& data) {
   out.bars = kPtnStart;
   std::string check_string;
   int positions = 0;
-  for (const char raw : data) {
-    if (positions >= kPositions) break;
+  for (size_t offset = 0; offset < data.size(); ++offset) {
+    const char raw = data[offset];
+    if (positions >= kPositions) {
+      out.lost = "Address cut: the characters from offset " + std::to_string(offset) + " on do not fit the " +
+                 std::to_string(kPositions) + " positions";
+      break;
+    }
     const char c = raw >= 'a' && raw <= 'z' ? static_cast<char>(raw - 'a' + 'A') : raw;
     const size_t code = kAsc.find(c);
-    if (code == std::string_view::npos) continue;  // not encodable: skipped without notice
+    if (code == std::string_view::npos) {  // not encodable: skipped, as the symbol has always done
+      if (out.lost.empty()) out.lost = "Character at offset " + std::to_string(offset) + " skipped: not in 0-9, - or A-Z";
+      continue;
+    }
     const std::string pattern = PatternOf(static_cast<int>(code));
     if (positions == kPositions - 1 && pattern.size() == 2 * kBarsPerPosition) {
       // A letter on the twentieth position: its control code alone, always CC1.
       out.bars += kPtnC[0];
       check_string += kPtnC[0];
       positions = kPositions;
+      out.lost = "Address cut: the letter at offset " + std::to_string(offset) +
+                 " falls on the twentieth position and is drawn as CC1 alone";
       break;
     }
     out.bars += pattern;
@@ -138,7 +150,7 @@ void YubinCustomer::WriteBars(const std::string& bars, float x) {
 int YubinCustomer::QuietZoneWidth(int h) const { return quiet_zone ? static_cast<int>(2.0F * h / 3.0F) : 0; }
 
 bool YubinCustomer::Draw(const std::string& data, int x, int y, int h) {
-  if (h < 1 || data.empty()) return false;
+  if (!Drawable(data, h)) return false;
   if (IsSvgOutput()) return DrawSvg(data, x, y, 0, h);
   const int quiet = QuietZoneWidth(h);
   if (!BarcodeBase::Draw(data, x, y, CanvasWidth(h) + 2 * quiet, h) || canvas_renderer() == nullptr) return false;
@@ -147,6 +159,7 @@ bool YubinCustomer::Draw(const std::string& data, int x, int y, int h) {
   bar_full_height_ = static_cast<float>(h);
   bar_top_ = static_cast<float>(y);
   const internal::YubinBars symbol = internal::EncodeYubin(data);
+  if (!symbol.lost.empty()) Warn(kLogPrefix + symbol.lost);
   writing_svg_ = false;
   WriteBars(symbol.bars, static_cast<float>(x));
   SDL_RenderPresent(canvas_renderer());
@@ -160,8 +173,15 @@ bool YubinCustomer::Draw(const std::string& data, int x, int y, int /*width*/, i
   return Draw(data, x, y, height);
 }
 
+bool YubinCustomer::Drawable(const std::string& data, int height) {
+  // Silent failures by default; a host still learns why nothing was drawn.
+  if (data.empty()) log::Reason(kLogPrefix + std::string("Empty string"));
+  if (height < 1) log::Reason(kLogPrefix + std::string("Bar height must be at least 1 px"));
+  return height >= 1 && !data.empty();
+}
+
 bool YubinCustomer::DrawSvg(const std::string& data, int x, int y, int /*width*/, int height) {
-  if (height < 1 || data.empty()) return false;
+  if (!Drawable(data, height)) return false;
   const int quiet = QuietZoneWidth(height);
   const int canvas_width = CanvasWidth(height) + 2 * quiet;
   x += quiet;
@@ -170,7 +190,9 @@ bool YubinCustomer::DrawSvg(const std::string& data, int x, int y, int /*width*/
   SvgBegin(canvas_width, height);
   SvgRect(0, 0, static_cast<float>(canvas_width), static_cast<float>(height), back_color);
   writing_svg_ = true;
-  WriteBars(internal::EncodeYubin(data).bars, static_cast<float>(x));
+  const internal::YubinBars symbol = internal::EncodeYubin(data);
+  if (!symbol.lost.empty()) Warn(kLogPrefix + symbol.lost);
+  WriteBars(symbol.bars, static_cast<float>(x));
   writing_svg_ = false;
   SvgEnd();
   return true;

@@ -16,6 +16,9 @@ namespace internal {
 struct YubinBars {
   std::string bars;
   int check = 0;
+  // Why the bars do not carry the whole text ("" when they do): a character outside the
+  // symbol's set, or an address beyond its 20 positions.
+  std::string lost;
 };
 YubinBars EncodeYubin(const std::string& data);
 
@@ -42,6 +45,8 @@ class YubinCustomer : public BarcodeBase1D {
   bool DrawSvg(const std::string& data, int x, int y, int width, int height) override;
 
  private:
+  // False (with the reason recorded) for an empty text or a height under one pixel.
+  static bool Drawable(const std::string& data, int height);
   int QuietZoneWidth(int h) const;
   void WriteBars(const std::string& bars, float x);
 

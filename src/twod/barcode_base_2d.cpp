@@ -2,7 +2,10 @@
 
 #include <iconv.h>
 
+#include <cstdio>
 #include <utility>
+
+#include "core/log.h"
 
 namespace barcode_orv {
 namespace {
@@ -72,7 +75,51 @@ BarcodeBase2D::BarcodeBase2D(std::string output_format) : BarcodeBase(std::move(
 BarcodeBase2D::BarcodeBase2D(SDL_Renderer* canvas) : BarcodeBase(canvas) {}
 
 bool BarcodeBase2D::Draw(const std::string& text, int x, int y, int width, int height) {
-  return Draw(ConvertStringToBytes(text, string_encoding_), x, y, width, height);
+  const std::vector<uint8_t> bytes = ConvertStringToBytes(text, string_encoding_);
+  if (bytes.empty() && !text.empty()) {
+    const std::string problem = LogPrefix() + ConversionProblem(text, string_encoding_);
+    log::Reason(problem);
+    Warn(problem);
+    return Draw(bytes, x, y, width, height);
+  }
+  return DrawBytes(bytes, x, y, width, height);
+}
+
+bool BarcodeBase2D::DrawBytes(const std::vector<uint8_t>& data, int x, int y, int width, int height) {
+  if (data.empty()) {
+    const std::string problem = std::string(LogPrefix()) + "Empty data: the symbol would carry nothing";
+    log::Reason(problem);
+    Warn(problem);
+  }
+  return Draw(data, x, y, width, height);
+}
+
+std::string BarcodeBase2D::ConversionProblem(const std::string& text, const std::string& encoding) {
+  const size_t bad = FirstInvalidUtf8(text);
+  if (bad != std::string::npos) {
+    char byte[8];
+    std::snprintf(byte, sizeof byte, "0x%02X", static_cast<unsigned>(static_cast<unsigned char>(text[bad])));
+    return "Text is neither valid UTF-8 nor Shift_JIS: byte " + std::string(byte) + " at offset " +
+           std::to_string(bad) + " is not UTF-8";
+  }
+  if (IsShiftJisSetting(encoding)) {
+    return "Character at offset " + std::to_string(FirstUnconvertible(text, kIconvUtf8, kIconvShiftJis)) +
+           " has no Shift_JIS form";
+  }
+  return "Text cannot be converted";
+}
+
+size_t BarcodeBase2D::FirstUnconvertible(const std::string& text, const char* from, const char* to) {
+  IconvHandle converter(to, from);
+  if (!converter.valid()) return 0;
+  std::string input = text;
+  std::vector<char> output(input.size() * 4 + 4);
+  char* in_ptr = input.data();
+  size_t in_left = input.size();
+  char* out_ptr = output.data();
+  size_t out_left = output.size();
+  iconv(converter.get(), &in_ptr, &in_left, &out_ptr, &out_left);
+  return static_cast<size_t>(in_ptr - input.data());
 }
 
 bool BarcodeBase2D::Draw(const std::string& text, int x, int y, int size) { return Draw(text, x, y, size, size); }
@@ -132,7 +179,9 @@ std::string BarcodeBase2D::DetectEncoding(const std::string& text) {
   return kIconvUtf8;
 }
 
-bool BarcodeBase2D::IsValidUtf8(const std::string& text) {
+bool BarcodeBase2D::IsValidUtf8(const std::string& text) { return FirstInvalidUtf8(text) == std::string::npos; }
+
+size_t BarcodeBase2D::FirstInvalidUtf8(const std::string& text) {
   // Structural check only: overlong forms, surrogates and code points above U+10FFFF
   // are let through.
   size_t i = 0;
@@ -148,15 +197,15 @@ bool BarcodeBase2D::IsValidUtf8(const std::string& text) {
     } else if ((lead & 0xF8) == 0xF0) {
       continuations = 3;
     } else {
-      return false;
+      return i;
     }
-    if (i + continuations >= text.size()) return false;
+    if (i + continuations >= text.size()) return i;
     for (size_t k = 1; k <= continuations; ++k) {
-      if (!IsContinuation(static_cast<unsigned char>(text[i + k]))) return false;
+      if (!IsContinuation(static_cast<unsigned char>(text[i + k]))) return i;
     }
     i += continuations + 1;
   }
-  return true;
+  return std::string::npos;
 }
 
 bool BarcodeBase2D::IsShiftJIS(const std::string& text) {

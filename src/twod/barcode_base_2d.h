@@ -24,6 +24,8 @@ class BarcodeBase2D : public BarcodeBase {
   // Square symbol: Draw(text, x, y, size, size).
   virtual bool Draw(const std::string& text, int x, int y, int size);
   virtual bool Draw(const std::vector<uint8_t>& data, int x, int y, int size);
+  // Bytes as they are (no text conversion): warns about an empty payload, then draws.
+  bool DrawBytes(const std::vector<uint8_t>& data, int x, int y, int width, int height);
   // The symbology's real drawing routine (raster or SVG by output format).
   virtual bool Draw(const std::vector<uint8_t>& data, int x, int y, int width, int height) = 0;
 
@@ -37,6 +39,10 @@ class BarcodeBase2D : public BarcodeBase {
   static std::vector<uint8_t> ConvertEncoding(const std::string& text, const std::string& from, const std::string& to);
   static std::string DetectEncoding(const std::string& text);
   static bool IsValidUtf8(const std::string& text);
+  // Offset of the first byte that breaks UTF-8's structure, npos for valid text.
+  static size_t FirstInvalidUtf8(const std::string& text);
+  // Why `text` gave no bytes under `encoding`, naming the offset of the first bad byte.
+  static std::string ConversionProblem(const std::string& text, const std::string& encoding);
   static bool IsShiftJIS(const std::string& text);
   static std::vector<uint8_t> ConvertToUtf8(const std::string& text);
   static std::vector<uint8_t> ConvertToSJis(const std::string& text);
@@ -56,6 +62,9 @@ class BarcodeBase2D : public BarcodeBase {
   // Fills the box with the background and paints the dark modules; false (after the
   // message) when the quiet zones are on and the symbol cannot fit the box.
   bool PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height, ModuleAspect aspect);
+  // Warns when the painted symbol (or its modules, in the standard profile) do not fit.
+  void WarnUnlessInside(float symbol_width, float symbol_height, float module_size, int width, int height,
+                        int total_cols, int total_rows) const;
   // Presents a caller's renderer; a canvas of our own is kept for the getters.
   void EndRaster(bool on_caller_canvas);
   // One SVG document of width x height with a background and one rectangle a dark module.
@@ -67,6 +76,9 @@ class BarcodeBase2D : public BarcodeBase {
  private:
   // The canvas renderer after preparing a fresh surface, or null after reporting why.
   SDL_Renderer* PrepareCanvas(int x, int y, int width, int height);
+
+  // Offset of the first character iconv cannot convert from `from` to `to`.
+  static size_t FirstUnconvertible(const std::string& text, const char* from, const char* to);
 
   std::string string_encoding_ = "utf-8";
 };

@@ -110,6 +110,8 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
   float module_width = RasterModuleSize(width, total_cols, fit_width);
   float module_height = RasterModuleSize(height, total_rows, fit_width);
   if (aspect == ModuleAspect::kSquare) module_width = module_height = std::min(module_width, module_height);
+  WarnUnlessInside(module_width * static_cast<float>(total_cols), module_height * static_cast<float>(total_rows),
+                   std::min(module_width, module_height), width, height, total_cols, total_rows);
   if (quiet_zone) {
     x += static_cast<int>(std::floor((static_cast<float>(width) - module_width * static_cast<float>(total_cols)) / 2));
     y +=
@@ -147,6 +149,18 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
 
 void BarcodeBase2D::EndRaster(bool on_caller_canvas) {
   if (on_caller_canvas) SDL_RenderPresent(canvas_renderer());
+}
+
+void BarcodeBase2D::WarnUnlessInside(float symbol_width, float symbol_height, float module_size, int width,
+                                     int height, int total_cols, int total_rows) const {
+  constexpr float kSlack = 0.01f;  // float rounding of an exact fit
+  const bool clipped = symbol_width > static_cast<float>(width) + kSlack ||
+                       symbol_height > static_cast<float>(height) + kSlack;
+  // Modules under a pixel print as a grey blur: the standard profile never draws them.
+  if (clipped || (standard_profile && module_size < 1.0f - kSlack)) {
+    Warn(std::string(LogPrefix()) + "Box too small: " + std::to_string(total_cols) + "x" + std::to_string(total_rows) +
+         " px needed");
+  }
 }
 
 bool BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int height, ModuleAspect aspect) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -65,6 +66,47 @@ void QR::SetEncodeMode(QREncodeMode mode) {
   SetEncodeMode(std::string("B"));
 }
 
+namespace {
+
+// Offset of the first byte outside QR numeric mode ("N") or the alphanumeric set ("A").
+size_t FirstOutsideMode(const std::vector<uint8_t>& data, char mode) {
+  constexpr std::string_view kAlphanumeric = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ $%*+-./:";
+  for (size_t i = 0; i < data.size(); ++i) {
+    const char c = static_cast<char>(data[i]);
+    const bool inside = mode == 'N' ? c >= '0' && c <= '9' : kAlphanumeric.find(c) != std::string_view::npos;
+    if (!inside) return i;
+  }
+  return std::string::npos;
+}
+
+std::string DescribeByte(uint8_t byte) {
+  if (byte >= 0x20 && byte < 0x7F) return std::string("'") + static_cast<char>(byte) + "'";
+  char hex[8];
+  std::snprintf(hex, sizeof hex, "0x%02X", static_cast<unsigned>(byte));
+  return hex;
+}
+
+}  // namespace
+
+void QR::CheckModeAndVersion(const std::vector<uint8_t>& data, int chosen_version) const {
+  const char mode = encode_mode_.empty() ? 'B' : encode_mode_[0];
+  if (mode == 'N' || (mode == 'A' && standard_profile)) {
+    const size_t outside = FirstOutsideMode(data, mode);
+    if (outside != std::string::npos) {
+      const std::string problem = std::string("[QR] Character ") + DescribeByte(data[outside]) + " at offset " +
+                                  std::to_string(outside) + " is outside " +
+                                  (mode == 'N' ? "numeric" : "alphanumeric") + " mode";
+      // Numeric mode writes such a byte as some other digit; the alphanumeric setting is
+      // carried in byte mode and reads back, so only the standard profile objects to it.
+      Warn(problem);
+    }
+  }
+  if (version_ != 0 && chosen_version > version_) {
+    Warn("[QR] Data too long for version " + std::to_string(version_) + ": it needs version " +
+         std::to_string(chosen_version));
+  }
+}
+
 ModuleMatrix QR::Encode(const std::vector<uint8_t>& data) const {
   qr_internal::QRJam jam;
   jam.SetModeString(encode_mode_);
@@ -72,6 +114,7 @@ ModuleMatrix QR::Encode(const std::vector<uint8_t>& data) const {
   const auto level = static_cast<uint32_t>(level_);
   jam.SetErrorCorrectionIndex(level <= qr_internal::kLevelH ? static_cast<int>(level) : qr_internal::kLevelM);
   jam.qrcode_write_barcode(data);
+  if (!data.empty()) CheckModeAndVersion(data, jam.chosen_version());
   return jam.matrix();
 }
 

@@ -50,6 +50,10 @@ class QR : public BarcodeBase2D {
   const char* LogPrefix() const override { return "[QR] "; }
 
  private:
+  // Warns (or, in the standard profile, throws) when `data` leaves the fixed mode or the
+  // symbol had to grow beyond the fixed version.
+  void CheckModeAndVersion(const std::vector<uint8_t>& data, int chosen_version) const;
+
   QRErrorCorrectionLevel level_ = QRErrorCorrectionLevel::M;
   int version_ = 0;
   std::string encode_mode_ = "B";
