@@ -33,6 +33,7 @@ struct Workload {
   std::optional<ZintSymbol> zint_symbol;  // none: Zint has no such symbology
   ZintSettings zint = {};                 // sized for about the same picture
   DrawFunction draw = barcode_draw_1d;
+  bool standard = false;  // the standard profile: quiet zones and every fit checked
 };
 
 std::string Repeat(const std::string& piece, size_t length) {
@@ -53,6 +54,8 @@ const std::vector<Workload>& Workloads() {
        ZintSettings{1.0F, 50.0F, false}},
       {"Code128_ABC123_300x100_text", BARCODE_CODE128, "ABC123", 300, 100, true, ZintSymbol::kCode128,
        ZintSettings{1.0F, 50.0F, true}},
+      {"Code128_ABC123_300x100_text_standard", BARCODE_CODE128, "ABC123", 300, 100, true, ZintSymbol::kCode128,
+       ZintSettings{1.0F, 50.0F, true}, barcode_draw_1d, true},
       {"JAN13_300x100", BARCODE_JAN13, "4901234567894", 300, 100, false, ZintSymbol::kEan13,
        ZintSettings{1.0F, 50.0F, false}},
       {"JAN13_300x100_text", BARCODE_JAN13, "4901234567894", 300, 100, true, ZintSymbol::kEan13,
@@ -101,6 +104,7 @@ const std::vector<Workload>& Workloads() {
 BarcodeHandle* HandleFor(const Workload& work) {
   BarcodeHandle* handle = barcode_create(work.type);
   barcode_set_show_text(handle, work.show_text ? 1 : 0);
+  barcode_set_standard(handle, work.standard ? 1 : 0);
   return handle;
 }
 

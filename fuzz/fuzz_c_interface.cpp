@@ -93,7 +93,13 @@ int Draw(BarcodeHandle* handle, FuzzedDataProvider& in) {
   switch (in.ConsumeIntegralInRange(0, 6)) {
     case 0: return barcode_draw_1d(handle, c_text, Box(in), Box(in));
     case 1: return barcode_draw_2d(handle, c_text, Box(in));
-    case 2: return barcode_draw_2d_rect(handle, c_text, Box(in), Box(in));
+    case 2:
+      // Texts of odd length go in as bytes, NUL included.
+      if (text.size() % 2 == 1) {
+        const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+        return barcode_draw_2d_bytes(handle, bytes, text.size(), Box(in), Box(in));
+      }
+      return barcode_draw_2d_rect(handle, c_text, Box(in), Box(in));
     case 3: return barcode_draw_yubin(handle, c_text, Box(in));
     case 4: return barcode_draw_yubin_with_width(handle, c_text, Box(in), Box(in));
     case 5: return barcode_draw_convenience(handle, c_text, Box(in), Box(in));
@@ -130,6 +136,7 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
     case 10:
       barcode_set_show_start_stop(handle, number);
       barcode_set_standard_encoding(handle, number & 4);
+      if ((number & 8) != 0) barcode_set_standard(handle, number & 16);
       break;
     case 11: barcode_set_extended_guard(handle, number); break;
     case 12: barcode_set_code_mode(handle, c_text); break;
@@ -153,6 +160,7 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
     case 30:
       (void)barcode_is_svg_output(handle);
       (void)barcode_get_last_error(handle);
+      (void)barcode_get_last_warning(handle);
       barcode_set_throw_on_capacity_error(handle, number % 3);
       barcode_set_quiet(1);  // process-wide; progress lines would only slow the run
       break;
