@@ -62,6 +62,8 @@ class BarcodeBase2D : public BarcodeBase {
   // Fills the box with the background and paints the dark modules; false (after the
   // message) when the quiet zones are on and the symbol cannot fit the box.
   bool PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height, ModuleAspect aspect);
+  // Warns when px_adjust_black thins modules that are painted one by one.
+  void WarnAboutThinning(const ModuleView& modules) const;
   // Warns when the painted symbol (or its modules, in the standard profile) do not fit.
   void WarnUnlessInside(float symbol_width, float symbol_height, float module_size, int width, int height,
                         int total_cols, int total_rows) const;

@@ -110,6 +110,7 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
   float module_width = RasterModuleSize(width, total_cols, fit_width);
   float module_height = RasterModuleSize(height, total_rows, fit_width);
   if (aspect == ModuleAspect::kSquare) module_width = module_height = std::min(module_width, module_height);
+  WarnAboutThinning(modules);
   WarnUnlessInside(module_width * static_cast<float>(total_cols), module_height * static_cast<float>(total_rows),
                    std::min(module_width, module_height), width, height, total_cols, total_rows);
   if (quiet_zone) {
@@ -151,6 +152,13 @@ void BarcodeBase2D::EndRaster(bool on_caller_canvas) {
   if (on_caller_canvas) SDL_RenderPresent(canvas_renderer());
 }
 
+void BarcodeBase2D::WarnAboutThinning(const ModuleView& modules) const {
+  // Thinning each module on its own draws light lines through every run of dark modules.
+  if (px_adjust_black < 0 && !modules.merge_runs) {
+    Warn(std::string(LogPrefix()) + "A negative px_adjust_black splits runs of dark modules with light lines");
+  }
+}
+
 void BarcodeBase2D::WarnUnlessInside(float symbol_width, float symbol_height, float module_size, int width,
                                      int height, int total_cols, int total_rows) const {
   constexpr float kSlack = 0.01f;  // float rounding of an exact fit
@@ -188,6 +196,7 @@ bool BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int he
     col_edges = FractionEdges(width, modules.cols);
     unit_edges = FractionEdges(height, modules.module_rows());
   }
+  WarnAboutThinning(modules);
   SvgBegin(width, height);
   SvgRect(0.0f, 0.0f, static_cast<float>(width), static_cast<float>(height), back_color);
   const auto adjust = static_cast<float>(px_adjust_black);
