@@ -15,13 +15,17 @@ deps:
 	@bash scripts/install-deps.sh
 
 build: deps
-	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS)
+	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBARCODE_ORV_BUILD_TESTS=ON $(CMAKE_FLAGS)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
 test: build
 	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
 
-demo: build
+# Only what the library, the tool and the gallery's reader need: no test packages or suites.
+demo:
+	@bash scripts/install-deps.sh demo
+	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBARCODE_ORV_BUILD_TESTS=OFF $(CMAKE_FLAGS)
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target barcode-orv barcode-orv-read
 	bash scripts/make-gallery.sh $(BUILD_DIR)/barcode-orv out
 
 # Medians of five runs each, so the ratios printed at the end of bench_draw are steady.

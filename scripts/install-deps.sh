@@ -1,15 +1,18 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, tests, benchmarks and fuzzer need, skipping
 # those already present. Uses sudo when not run as root.
+# Usage: install-deps.sh [demo]   demo: only the library, the tool and the gallery's reader.
 set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config
   libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev zlib1g-dev
   fonts-roboto-unhinted
-  libgtest-dev libbenchmark-dev libzxing-dev libzint-dev libpng-dev
-  clang libclang-rt-dev clang-format
+  libzxing-dev
 )
+if [ "${1:-}" != demo ]; then
+  packages+=(libgtest-dev libbenchmark-dev libzint-dev libpng-dev clang libclang-rt-dev clang-format)
+fi
 
 missing=()
 for package in "${packages[@]}"; do
