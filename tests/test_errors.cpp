@@ -169,8 +169,8 @@ namespace {
 struct WarningRow {
   int type;
   std::string text;
-  std::string warning;   // the default profile's warning ("" for none)
-  std::string refusal;   // the standard profile's reason ("" for a clean draw)
+  std::string warning;  // the default profile's warning ("" for none)
+  std::string refusal;  // the standard profile's reason ("" for a clean draw)
   int width = 600;
   int height = 240;
   Setup setup = nullptr;
@@ -203,11 +203,10 @@ const WarningRow kWarningRows[] = {
     {BARCODE_CODE39, "ABC", "[Code39] Box too small: 79 px needed", "[Code39] Box too small: 99 px needed", 20, 100,
      nullptr, barcode_draw_1d},
     {BARCODE_CODE128, "abcdefghij", "[Code128] Box too small: 145 px needed", "[Code128] Box too small: 165 px needed",
-     100, 100,
-     [](BarcodeHandle* h) { barcode_set_fit_width(h, 1); }, barcode_draw_1d},
+     100, 100, [](BarcodeHandle* h) { barcode_set_fit_width(h, 1); }, barcode_draw_1d},
     {BARCODE_GS1_128, kGs1Element, kGs1TextLine, kGs1TextLine, 300, 100, nullptr, barcode_draw_1d},
-    {BARCODE_QR, "A", "[QR] Box too small: 21x21 px needed", "[QR] Box too small: 29x29 px needed", 10, 10,
-     nullptr, barcode_draw_2d_rect, false},
+    {BARCODE_QR, "A", "[QR] Box too small: 21x21 px needed", "[QR] Box too small: 29x29 px needed", 10, 10, nullptr,
+     barcode_draw_2d_rect, false},
     {BARCODE_QR, "12AB", "[QR] Character 'A' at offset 2 is outside numeric mode", "same", 600, 240,
      [](BarcodeHandle* h) { barcode_set_encode_mode(h, "NUMERIC"); }},
     {BARCODE_QR, "ab", "", "[QR] Character 'a' at offset 0 is outside alphanumeric mode", 600, 240,
@@ -221,16 +220,16 @@ const WarningRow kWarningRows[] = {
     {BARCODE_QR, "", "[QR] Empty data: the symbol would carry nothing", "same"},
     {BARCODE_DATAMATRIX, "", "[DataMatrix] Empty data: the symbol would carry nothing", "same"},
     {BARCODE_PDF417, "", "[PDF417] Empty data: the symbol would carry nothing", "same"},
-    {BARCODE_GS1_DATABAR_14, "", "[GS1 DataBar] Empty data: the symbol carries GTIN 00000000000000", "same", 600,
-     240, nullptr, barcode_draw_1d},
+    {BARCODE_GS1_DATABAR_14, "", "[GS1 DataBar] Empty data: the symbol carries GTIN 00000000000000", "same", 600, 240,
+     nullptr, barcode_draw_1d},
     {BARCODE_YUBIN_CUSTOMER, "1060032-3-2-5-ABCDEFGHIJ",
      "[YubinCustomer] Address cut: the characters from offset 17 on do not fit the 20 positions", "same", 600, 30,
      nullptr, barcode_draw_yubin_with_width},
     {BARCODE_YUBIN_CUSTOMER, "1060032-3-2-5ABCDEFG",
      "[YubinCustomer] Address cut: the letter at offset 16 falls on the twentieth position and is drawn as CC1 alone",
      "same", 600, 30, nullptr, barcode_draw_yubin_with_width},
-    {BARCODE_YUBIN_CUSTOMER, "1060032 3", "[YubinCustomer] Character at offset 7 skipped: not in 0-9, - or A-Z",
-     "same", 600, 30, nullptr, barcode_draw_yubin_with_width},
+    {BARCODE_YUBIN_CUSTOMER, "1060032 3", "[YubinCustomer] Character at offset 7 skipped: not in 0-9, - or A-Z", "same",
+     600, 30, nullptr, barcode_draw_yubin_with_width},
 };
 
 TEST(Warnings, DefaultDrawsNameThemAndTheStandardProfileRefuses) {

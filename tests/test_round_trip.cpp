@@ -437,10 +437,10 @@ TEST_P(RoundTripTest, StandardProfileReadsBackOrRefuses) {
     const std::string expected = row.expected ? row.expected(text) : text;
     Box box = row.module_pixels > 0 ? NaturalBox(handle.get(), expected, row.module_pixels) : row.box(text, rng, i);
     box = {box.width * 3 / 2 + 60, box.height * 3 / 2 + 20};
-    const int drawn =
-        row.binary ? barcode_draw_2d_bytes(handle.get(), reinterpret_cast<const unsigned char*>(text.data()),
-                                           text.size(), box.width, box.height)
-                   : row.draw(handle.get(), text.c_str(), box.width, box.height);
+    const int drawn = row.binary
+                          ? barcode_draw_2d_bytes(handle.get(), reinterpret_cast<const unsigned char*>(text.data()),
+                                                  text.size(), box.width, box.height)
+                          : row.draw(handle.get(), text.c_str(), box.width, box.height);
     if (drawn == 0) {
       EXPECT_STRNE(barcode_get_last_error(handle.get()), "") << "refused without a reason: '" << text << "'";
       continue;

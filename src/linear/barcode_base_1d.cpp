@@ -102,7 +102,8 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
   for (int32_t w : symbol.widths) total += w;
   const float unit = ModuleWidthFor(width, total, fit_width);
   // Modules under a pixel wide print as a grey blur: the standard profile never draws them.
-  if (standard_profile && unit < 1.0F) throw std::runtime_error("Box too small: " + std::to_string(total) + " px needed");
+  if (standard_profile && unit < 1.0F)
+    throw std::runtime_error("Box too small: " + std::to_string(total) + " px needed");
   if (quiet_zone) {
     // The symbol and its zones, in whole pixels unless fit_width, centred in the box.
     const double needed = static_cast<double>(unit) * static_cast<double>(total);

@@ -125,7 +125,7 @@ class BarcodeBase1D : public BarcodeBase {
     std::vector<SDL_FRect> bars;
     std::vector<TextPlacement> texts;
     int drawn_width = 0;
-    int64_t modules = 0;       // the symbol's width in modules, quiet zones included
+    int64_t modules = 0;      // the symbol's width in modules, quiet zones included
     float bar_height = 0.0F;  // of the bars that reach no further than the text
   };
   struct Box {

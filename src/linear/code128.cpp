@@ -269,8 +269,9 @@ bool WritesSetA(const std::vector<int32_t>& values) {
 BarcodeBase1D::LinearSymbol Code128::Encode(const std::string& text) {
   LinearSymbol symbol{EncodeCode128(text), text};
   if (!standard_encoding && WritesSetA(internal::Code128Values(text, code_mode_))) {
-    Warn("[Code128] Code set A written with the compatibility values: readers decode other text "
-         "(the standard encoding writes ISO/IEC 15417's)");
+    Warn(
+        "[Code128] Code set A written with the compatibility values: readers decode other text "
+        "(the standard encoding writes ISO/IEC 15417's)");
   }
   return symbol;
 }

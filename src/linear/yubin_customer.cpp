@@ -68,7 +68,8 @@ YubinBars EncodeYubin(const std::string& data) {
     const char c = raw >= 'a' && raw <= 'z' ? static_cast<char>(raw - 'a' + 'A') : raw;
     const size_t code = kAsc.find(c);
     if (code == std::string_view::npos) {  // not encodable: skipped, as the symbol has always done
-      if (out.lost.empty()) out.lost = "Character at offset " + std::to_string(offset) + " skipped: not in 0-9, - or A-Z";
+      if (out.lost.empty())
+        out.lost = "Character at offset " + std::to_string(offset) + " skipped: not in 0-9, - or A-Z";
       continue;
     }
     const std::string pattern = PatternOf(static_cast<int>(code));

@@ -159,11 +159,11 @@ void BarcodeBase2D::WarnAboutThinning(const ModuleView& modules) const {
   }
 }
 
-void BarcodeBase2D::WarnUnlessInside(float symbol_width, float symbol_height, float module_size, int width,
-                                     int height, int total_cols, int total_rows) const {
+void BarcodeBase2D::WarnUnlessInside(float symbol_width, float symbol_height, float module_size, int width, int height,
+                                     int total_cols, int total_rows) const {
   constexpr float kSlack = 0.01f;  // float rounding of an exact fit
-  const bool clipped = symbol_width > static_cast<float>(width) + kSlack ||
-                       symbol_height > static_cast<float>(height) + kSlack;
+  const bool clipped =
+      symbol_width > static_cast<float>(width) + kSlack || symbol_height > static_cast<float>(height) + kSlack;
   // Modules under a pixel print as a grey blur: the standard profile never draws them.
   if (clipped || (standard_profile && module_size < 1.0f - kSlack)) {
     Warn(std::string(LogPrefix()) + "Box too small: " + std::to_string(total_cols) + "x" + std::to_string(total_rows) +
