@@ -25,7 +25,8 @@ static_assert(kAlphabet.size() == kPatterns.size());
 // Code 93 full ASCII (AIM USS Code 93): every ASCII character as one symbol character or
 // a shift and a letter, the shifts written as their stand-ins '<' ($), '>' (%), '?' (/)
 // and '!' (+). '$', '%', '+' and '/' have symbol characters of their own.
-// clang-format off: sixteen characters a row, 0x00 to 0x7F
+// Sixteen characters a row, 0x00 to 0x7F.
+// clang-format off
 constexpr std::array<const char*, 128> kFullAscii = {
     ">U", "<A", "<B", "<C", "<D", "<E", "<F", "<G", "<H", "<I", "<J", "<K", "<L", "<M", "<N", "<O",
     "<P", "<Q", "<R", "<S", "<T", "<U", "<V", "<W", "<X", "<Y", "<Z", ">A", ">B", ">C", ">D", ">E",
