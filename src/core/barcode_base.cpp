@@ -84,6 +84,7 @@ std::string BarcodeBase::CanvasSizeProblem(int width, int height) {
   // either limit it writes outside the canvas instead of failing.
   constexpr int64_t kMaxSide = int64_t{1} << 24;
   constexpr int64_t kMaxBytes = INT_MAX;
+  if (width <= 0 || height <= 0) return {};
   // Sides first: within them the byte count cannot overflow.
   if (width <= kMaxSide && height <= kMaxSide && int64_t{width} * height * 4 <= kMaxBytes) return {};
   return "canvas " + std::to_string(width) + "x" + std::to_string(height) + " is larger than " +
@@ -224,12 +225,7 @@ void BarcodeBase::FillClipped(double left, double top, double right, double bott
   // overflow the renderer's own integer arithmetic.
   int output_w = 0;
   int output_h = 0;
-  if (surface_ && renderer == renderer_.get()) {
-    output_w = surface_->w;
-    output_h = surface_->h;
-  } else if (SDL_GetRendererOutputSize(renderer, &output_w, &output_h) != 0) {
-    return;
-  }
+  if (!CanvasExtent(&output_w, &output_h)) return;
   const double canvas_w = output_w;
   const double canvas_h = output_h;
   left = std::clamp(left, 0.0, canvas_w);
@@ -245,6 +241,17 @@ void BarcodeBase::FillClipped(double left, double top, double right, double bott
   }
   SDL_SetRenderDrawColor(renderer, color.r, color.g, color.b, color.a);
   SDL_RenderFillRect(renderer, &rect);
+}
+
+bool BarcodeBase::CanvasExtent(int* width, int* height) const {
+  SDL_Renderer* renderer = canvas_renderer();
+  if (renderer == nullptr) return false;
+  if (surface_ && renderer == renderer_.get()) {
+    *width = surface_->w;
+    *height = surface_->h;
+    return true;
+  }
+  return SDL_GetRendererOutputSize(renderer, width, height) == 0;
 }
 
 bool BarcodeBase::BlendOntoCanvas(SDL_Surface* image, int left, int top) {

@@ -43,6 +43,7 @@ class YubinCustomer : public BarcodeBase1D {
 
  private:
   int QuietZoneWidth(int h) const;
+  int CanvasWidth(int h) const;
   void WriteBars(const std::string& bars, float x);
 
   float bar_full_height_ = 0.0F;  // H
