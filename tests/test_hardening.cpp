@@ -7,7 +7,10 @@
 #include <cmath>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <vector>
 
+#include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "core/barcode_base.h"
 #include "support/c_api.h"
@@ -210,6 +213,82 @@ TEST(HardeningTest, TextLineWiderThanTheCanvasIsRenderedWhereItShows) {
   barcode_set_text_even_spacing(code128.get(), 0);
   ASSERT_EQ(barcode_draw_1d(code128.get(), std::string(1000, 'W').c_str(), 400, 2000), 1);
   EXPECT_GT(MarkedRowsFrom(ImageData(code128.get()), 1800), 100);
+}
+
+// A draw function that does not fit the handle, or a null text, names why it drew nothing.
+TEST(HardeningTest, RefusedDrawsNameTheReason) {
+  struct Case {
+    int type;
+    int (*draw)(BarcodeHandle*, const char*);
+    const char* error;
+  };
+  const Case cases[] = {
+      {BARCODE_QR, [](BarcodeHandle* h, const char* t) { return barcode_draw_yubin(h, t, 60); },
+       "barcode_draw_yubin: not for symbology type 16"},
+      {BARCODE_CODE128, [](BarcodeHandle* h, const char* t) { return barcode_draw_2d(h, t, 60); },
+       "barcode_draw_2d: not for symbology type 2"},
+      {BARCODE_CODE39, [](BarcodeHandle* h, const char* t) { return barcode_draw_2d_rect(h, t, 60, 60); },
+       "barcode_draw_2d_rect: not for symbology type 0"},
+      {BARCODE_QR, [](BarcodeHandle* h, const char* t) { return barcode_draw_yubin_with_width(h, t, 60, 60); },
+       "barcode_draw_yubin_with_width: not for symbology type 16"},
+      {BARCODE_CODE128, [](BarcodeHandle* h, const char* t) { return barcode_draw_convenience(h, t, 300, 100); },
+       "barcode_draw_convenience: not for symbology type 2"},
+      {BARCODE_GS1_DATABAR_14, [](BarcodeHandle* h, const char* t) { return barcode_draw_stacked(h, t, 300, 100); },
+       "barcode_draw_stacked: not for symbology type 12"},
+  };
+  for (const Case& c : cases) {
+    auto handle = MakeHandle(c.type);
+    EXPECT_EQ(c.draw(handle.get(), "123"), 0) << c.error;
+    EXPECT_STREQ(barcode_get_last_error(handle.get()), c.error);
+  }
+  auto code39 = MakeHandle(BARCODE_CODE39);
+  EXPECT_EQ(barcode_draw_1d(code39.get(), nullptr, 300, 100), 0);
+  EXPECT_STREQ(barcode_get_last_error(code39.get()), "barcode_draw_1d: the text is null");
+  uint32_t size = 77;
+  EXPECT_EQ(barcode_get_image_data(nullptr, &size), nullptr);
+  EXPECT_EQ(size, 0U);
+}
+
+// A call entering a handle that another call holds is refused with the reason, and the
+// handle is left as that call has it (here the holder is simulated by the flag).
+TEST(HardeningTest, HandleInUseIsRefusedNotShared) {
+  auto handle = MakeHandle(BARCODE_CODE128);
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "FIRST", 300, 100), 1);
+  const std::vector<uint8_t> before = ImageData(handle.get());
+  handle->in_use = true;
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "SECOND", 300, 100), 0);
+  EXPECT_STREQ(barcode_get_last_error(handle.get()), barcode_orv::ffi::kHandleInUse);
+  uint32_t size = 77;
+  EXPECT_EQ(barcode_get_image_data(handle.get(), &size), nullptr);
+  EXPECT_EQ(size, 0U);
+  EXPECT_STREQ(barcode_get_svg(handle.get()), "");
+  barcode_destroy(handle.get());  // left alone while in use
+  handle->in_use = false;
+  // This thread's refusal stays readable until its next call on the handle enters it.
+  EXPECT_STREQ(barcode_get_last_error(handle.get()), barcode_orv::ffi::kHandleInUse);
+  EXPECT_EQ(ImageData(handle.get()), before);
+  EXPECT_STREQ(barcode_get_last_error(handle.get()), "");
+}
+
+// Two threads on one handle (outside the interface's promise): every call either runs
+// alone or is refused by name; nothing is corrupted (the sanitized suites watch).
+TEST(HardeningTest, TwoThreadsOnOneHandleNeverCorruptIt) {
+  auto handle = MakeHandle(BARCODE_CODE128);
+  barcode_set_output_format(handle.get(), "svg");
+  barcode_set_text_even_spacing(handle.get(), 0);  // the text in one piece
+  auto hammer = [&handle](int* unexplained) {
+    for (int i = 0; i < 300; ++i) {
+      if (barcode_draw_1d(handle.get(), "RACE-128", 300, 100) == 1) continue;
+      if (std::string(barcode_get_last_error(handle.get())) != barcode_orv::ffi::kHandleInUse) ++*unexplained;
+    }
+  };
+  int unexplained[2] = {0, 0};
+  std::thread other(hammer, &unexplained[1]);
+  hammer(&unexplained[0]);
+  other.join();
+  EXPECT_EQ(unexplained[0] + unexplained[1], 0);
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "AFTER", 300, 100), 1);
+  EXPECT_NE(std::string(barcode_get_svg(handle.get())).find("AFTER"), std::string::npos);
 }
 
 }  // namespace

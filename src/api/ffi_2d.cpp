@@ -125,13 +125,13 @@ void barcode_set_y_height(BarcodeHandle* handle, int y_height) {
 
 int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size) {
   BarcodeBase2D* object = TwoDObject(handle);
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return barcode_orv::ffi::RefuseDraw(handle, text, "barcode_draw_2d");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, size); });
 }
 
 int barcode_draw_2d_rect(BarcodeHandle* handle, const char* text, int width, int height) {
   BarcodeBase2D* object = TwoDObject(handle);
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return barcode_orv::ffi::RefuseDraw(handle, text, "barcode_draw_2d_rect");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
