@@ -55,6 +55,11 @@ std::string BarcodeBase1D::GetFontPath() { return font::FindFontPath(GetModulePa
 
 bool BarcodeBase1D::InitFont() {
   const std::lock_guard<std::mutex> lock(font::Mutex());
+  return OpenFontsLocked();
+}
+
+bool BarcodeBase1D::OpenFontsLocked() {
+  if (font::TtfDroppedUnderUs()) AbandonFontsLocked();
   if (m_font != nullptr) return true;
   // Constructed after the mutex and the caches, so it is destroyed before them: at unload
   // or exit the fonts close while the library's own SDL_ttf reference still keeps
@@ -86,7 +91,18 @@ void BarcodeBase1D::DestroyFont() {
   CloseFontsLocked();
 }
 
+void BarcodeBase1D::AbandonFontsLocked() {
+  // Closing them would free the faces a second time: the few kilobytes of SDL_ttf's
+  // own structures are left behind instead.
+  log::Error("SDL_ttf was shut down under the library (one TTF_Quit too many); its fonts are reopened");
+  font::AbandonSizedFonts();
+  m_font = nullptr;
+  SharedFontPath().clear();
+  font::ForgetTtf();
+}
+
 void BarcodeBase1D::CloseFontsLocked() {
+  if (font::TtfDroppedUnderUs()) AbandonFontsLocked();
   font::CloseSizedFonts();
   if (m_font != nullptr) TTF_CloseFont(m_font);
   m_font = nullptr;
@@ -333,6 +349,7 @@ void BarcodeBase1D::PaintTextRaster(const TextPlacement& placement) {
   std::vector<RenderedPiece> rendered_pieces;
   {
     const std::lock_guard<std::mutex> lock(font::Mutex());
+    if (font::TtfDroppedUnderUs()) OpenFontsLocked();
     if (m_font == nullptr) return;
     TTF_Font* font = font::SizedFont(SharedFontPath(), points);
     if (font == nullptr) return;

@@ -112,7 +112,12 @@ class BarcodeBase1D : public BarcodeBase {
     FontTeardown& operator=(const FontTeardown&) = delete;
     ~FontTeardown();
   };
-  static void CloseFontsLocked();  // caller holds font::Mutex()
+  // These three: caller holds font::Mutex().
+  static void CloseFontsLocked();
+  // Opens the shared font unless it is open and alive; false when no font is usable.
+  static bool OpenFontsLocked();
+  // Drops fonts whose faces a host's extra TTF_Quit freed, and the reference it took.
+  static void AbandonFontsLocked();
 
   // One piece of text, centred in [left, left + width) (width 0: centred on left).
   struct TextPiece {
