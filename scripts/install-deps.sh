@@ -8,7 +8,7 @@ packages=(
   libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev zlib1g-dev
   fonts-roboto-unhinted
   libgtest-dev libbenchmark-dev libzxing-dev libzint-dev libpng-dev
-  clang libclang-rt-dev clang-format
+  clang libclang-rt-dev clang-format valgrind
 )
 
 missing=()

@@ -38,6 +38,15 @@ SDL_Color ColorFrom(int r, int g, int b, int a) {
   return SDL_Color{static_cast<Uint8>(r), static_cast<Uint8>(g), static_cast<Uint8>(b), static_cast<Uint8>(a)};
 }
 
+// One reference to the canvas pixel format, held from the first canvas to unload or exit.
+struct KeptPixelFormat {
+  KeptPixelFormat() : format(SDL_AllocFormat(SDL_PIXELFORMAT_ABGR8888)) {}
+  ~KeptPixelFormat() { SDL_FreeFormat(format); }
+  KeptPixelFormat(const KeptPixelFormat&) = delete;
+  KeptPixelFormat& operator=(const KeptPixelFormat&) = delete;
+  SDL_PixelFormat* format;
+};
+
 void AppendInt(std::string& out, long long value) {
   char buffer[24];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
@@ -110,8 +119,9 @@ bool BarcodeBase::CreateSurface(int width, int height) {
   // last of them. Keeping it for the process saves that allocation per canvas and keeps
   // threads drawing on separate handles from freeing and re-making it under each other
   // (SDL's spinlock around its refcount is invisible to thread sanitizers).
-  static SDL_PixelFormat* const kept_format = SDL_AllocFormat(SDL_PIXELFORMAT_ABGR8888);
-  (void)kept_format;
+  // Given back when the library is unloaded: SDL may be unloaded with it, taking the
+  // list that still points to the format.
+  static const KeptPixelFormat kept_format;
   SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ABGR8888));
   if (!surface) {
     log::Error(std::string("サーフェス作成に失敗: ") + SDL_GetError());
