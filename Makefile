@@ -53,7 +53,7 @@ fuzz-build: deps
 	  -DBARCODE_ORV_BUILD_FUZZ=ON -DBARCODE_ORV_BUILD_TESTS=OFF -DBARCODE_ORV_BUILD_TOOLS=OFF
 	cmake --build $(BUILD_DIR)-fuzz -j $(JOBS) --target fuzz_c_interface
 
-# CI's run: a minute from the kept corpus.
+# CI's run: a minute from the kept corpus; a unit slower than 2 s or a process past 1 GB fails it.
 fuzz: fuzz-build
 	bash scripts/run-fuzz.sh $(BUILD_DIR)-fuzz/fuzz_c_interface $(FUZZ_SECONDS)
 

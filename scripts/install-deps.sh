@@ -11,7 +11,7 @@ packages=(
   libzxing-dev
 )
 if [ "${1:-}" != demo ]; then
-  packages+=(libgtest-dev libbenchmark-dev libzint-dev libpng-dev clang libclang-rt-dev clang-format)
+  packages+=(libgtest-dev libbenchmark-dev libzint-dev libpng-dev clang libclang-rt-dev clang-format valgrind)
 fi
 
 missing=()

@@ -4,17 +4,43 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <vector>
 
+#include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "core/barcode_base.h"
 #include "support/c_api.h"
+#include "support/png_image.h"
+#include "support/samples.h"
 
 namespace {
 
 using barcode_orv::BarcodeBase;
+using barcode_orv::testing::DecodePng;
+using barcode_orv::testing::ImageData;
+using barcode_orv::testing::kTypeSamples;
 using barcode_orv::testing::MakeHandle;
+
+bool IsLinear(int type) { return type <= BARCODE_YUBIN_CUSTOMER; }
+
+// Rows of `png` from `first_row` on that hold a pixel other than the top-left one.
+int MarkedRowsFrom(const std::vector<uint8_t>& png, int first_row) {
+  const auto image = DecodePng(png);
+  int marked = 0;
+  for (int y = first_row; y < image.height; ++y) {
+    for (int x = 0; x < image.width; ++x) {
+      if (image.Pixel(x, y) != image.Pixel(0, 0)) {
+        ++marked;
+        break;
+      }
+    }
+  }
+  return marked;
+}
 
 TEST(HardeningTest, CanvasLimitIsExactAtTheBoundary) {
   struct Case {
@@ -27,6 +53,8 @@ TEST(HardeningTest, CanvasLimitIsExactAtTheBoundary) {
       {23171, 23170, false},                                 // 2,147,488,280 bytes: above INT_MAX
       {1 << 24, 1, true},        {(1 << 24) + 1, 1, false},  // a side beyond exact float pixel coordinates
       {1, (1 << 24) + 1, false}, {INT_MAX, INT_MAX, false},
+      {INT_MIN, INT_MIN, true},  // not positive: left to SDL, which refuses it
+      {0, INT_MAX, true},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(BarcodeBase::CanvasSizeProblem(c.width, c.height).empty(), c.fits) << c.width << "x" << c.height;
@@ -91,6 +119,176 @@ TEST(HardeningTest, CapacityErrorThrowsOnlyWhileAsked) {
         << barcode_get_last_error(qr.get());
     EXPECT_EQ(barcode_draw_1d(qr.get(), too_long.c_str(), 300, 300), 0);
   }
+}
+
+// Boxes at both ends of the int range through every entry point: each size and position
+// is computed in a wide type and narrowed once (the sanitized suite turns any overflow or
+// out-of-range conversion here into a failure), and each draw ends in 0 or 1.
+TEST(HardeningTest, BoxesAtTheEndsOfTheIntRangeStayDefined) {
+  const int sides[] = {INT_MIN, -1, 1, INT_MAX};
+  for (const auto& sample : kTypeSamples) {
+    if (!IsLinear(sample.type)) continue;
+    for (const char* format : {"png", "svg"}) {
+      auto handle = MakeHandle(sample.type);
+      barcode_set_output_format(handle.get(), format);
+      for (int width : sides) {
+        for (int height : sides) {
+          const int drawn = barcode_draw_1d(handle.get(), sample.text, width, height);
+          EXPECT_TRUE(drawn == 0 || drawn == 1) << sample.type << " " << width << "x" << height;
+        }
+        barcode_draw_stacked(handle.get(), sample.text, width, width);
+        barcode_draw_yubin(handle.get(), sample.text, width);
+      }
+    }
+  }
+  // Japan Post at INT_MAX: a canvas wider than any, refused by name.
+  auto yubin = MakeHandle(BARCODE_YUBIN_CUSTOMER);
+  EXPECT_EQ(barcode_draw_yubin(yubin.get(), "1060032-3-2-5", INT_MAX), 0);
+  EXPECT_NE(std::string(barcode_get_last_error(yubin.get())).find("canvas 2147483647x2147483647"), std::string::npos)
+      << barcode_get_last_error(yubin.get());
+}
+
+// A text scale far beyond the box used to rasterise glyphs of thousands of points (seconds
+// and hundreds of MB for one picture); the glyphs are now no taller than the canvas and
+// the characters that miss it are never rendered. Bounded by the suite's timeout.
+TEST(HardeningTest, AbsurdTextScalesCostWhatABoxFillingTextCosts) {
+  const char* expanded = "(01)04912345678904(10)AB\\(C(17)251231";
+  std::vector<uint8_t> at_infinity;
+  for (const double scale : {static_cast<double>(INFINITY), 1e300, 100.0}) {
+    for (const int type : {BARCODE_GS1_DATABAR_EXPANDED, BARCODE_CODE128}) {
+      auto handle = MakeHandle(type);
+      barcode_set_text_font_scale(handle.get(), scale);
+      ASSERT_EQ(barcode_draw_1d(handle.get(), type == BARCODE_CODE128 ? "ABC123" : expanded, 621, 621), 1) << scale;
+      const std::vector<uint8_t> png = ImageData(handle.get());
+      ASSERT_FALSE(png.empty());
+      // Infinity and 1e300 saturate to the same layout.
+      if (type != BARCODE_GS1_DATABAR_EXPANDED) continue;
+      if (scale == INFINITY) at_infinity = png;
+      if (scale == 1e300) {
+        EXPECT_EQ(png, at_infinity);
+      }
+    }
+  }
+  // A box-filling text stays visible at its clamped size: its glyphs reach into the
+  // lower half of the canvas, where at scale 1 nothing but bars is drawn.
+  auto code128 = MakeHandle(BARCODE_CODE128);
+  barcode_set_text_font_scale(code128.get(), 1e6);
+  barcode_set_text_even_spacing(code128.get(), 0);
+  ASSERT_EQ(barcode_draw_1d(code128.get(), "ABC", 300, 200), 1);
+  EXPECT_GT(MarkedRowsFrom(ImageData(code128.get()), 100), 50);
+}
+
+// Every linear symbology refuses a text beyond its limit by name, before encoding
+// anything, and accepts the longest one (drawn in about a millisecond).
+TEST(HardeningTest, OverlongTextsAreRefusedWithTheLimit) {
+  const std::string longest(1000, '7');
+  for (const auto& sample : kTypeSamples) {
+    if (!IsLinear(sample.type)) continue;
+    for (const size_t length : {size_t{1001}, size_t{1000000}}) {
+      auto handle = MakeHandle(sample.type);
+      const std::string text(length, '7');
+      const int drawn = sample.type == BARCODE_YUBIN_CUSTOMER ? barcode_draw_yubin(handle.get(), text.c_str(), 60)
+                                                              : barcode_draw_1d(handle.get(), text.c_str(), 400, 300);
+      EXPECT_EQ(drawn, 0);
+      const std::string error = barcode_get_last_error(handle.get());
+      EXPECT_EQ(error.substr(error.find("] ") + 2),
+                "Input too long: " + std::to_string(length) + " characters (max 1000)")
+          << error;
+    }
+  }
+  for (const int type :
+       {BARCODE_CODE39, BARCODE_CODE93, BARCODE_CODE128, BARCODE_MATRIX2OF5, BARCODE_NEC2OF5, BARCODE_ITF}) {
+    for (const int even : {0, 1}) {
+      auto handle = MakeHandle(type);
+      barcode_set_text_even_spacing(handle.get(), even);
+      EXPECT_EQ(barcode_draw_1d(handle.get(), longest.c_str(), 400, 300), 1) << type << " " << even;
+    }
+  }
+}
+
+// A text line far wider than the canvas (1,000 characters of 300-pixel text) is rendered
+// only where it meets the canvas: the part that does is still there.
+TEST(HardeningTest, TextLineWiderThanTheCanvasIsRenderedWhereItShows) {
+  auto code128 = MakeHandle(BARCODE_CODE128);
+  barcode_set_text_even_spacing(code128.get(), 0);
+  ASSERT_EQ(barcode_draw_1d(code128.get(), std::string(1000, 'W').c_str(), 400, 2000), 1);
+  EXPECT_GT(MarkedRowsFrom(ImageData(code128.get()), 1800), 100);
+}
+
+// A draw function that does not fit the handle, or a null text, names why it drew nothing.
+TEST(HardeningTest, RefusedDrawsNameTheReason) {
+  struct Case {
+    int type;
+    int (*draw)(BarcodeHandle*, const char*);
+    const char* error;
+  };
+  const Case cases[] = {
+      {BARCODE_QR, [](BarcodeHandle* h, const char* t) { return barcode_draw_yubin(h, t, 60); },
+       "barcode_draw_yubin: not for symbology type 16"},
+      {BARCODE_CODE128, [](BarcodeHandle* h, const char* t) { return barcode_draw_2d(h, t, 60); },
+       "barcode_draw_2d: not for symbology type 2"},
+      {BARCODE_CODE39, [](BarcodeHandle* h, const char* t) { return barcode_draw_2d_rect(h, t, 60, 60); },
+       "barcode_draw_2d_rect: not for symbology type 0"},
+      {BARCODE_QR, [](BarcodeHandle* h, const char* t) { return barcode_draw_yubin_with_width(h, t, 60, 60); },
+       "barcode_draw_yubin_with_width: not for symbology type 16"},
+      {BARCODE_CODE128, [](BarcodeHandle* h, const char* t) { return barcode_draw_convenience(h, t, 300, 100); },
+       "barcode_draw_convenience: not for symbology type 2"},
+      {BARCODE_GS1_DATABAR_14, [](BarcodeHandle* h, const char* t) { return barcode_draw_stacked(h, t, 300, 100); },
+       "barcode_draw_stacked: not for symbology type 12"},
+  };
+  for (const Case& c : cases) {
+    auto handle = MakeHandle(c.type);
+    EXPECT_EQ(c.draw(handle.get(), "123"), 0) << c.error;
+    EXPECT_STREQ(barcode_get_last_error(handle.get()), c.error);
+  }
+  auto code39 = MakeHandle(BARCODE_CODE39);
+  EXPECT_EQ(barcode_draw_1d(code39.get(), nullptr, 300, 100), 0);
+  EXPECT_STREQ(barcode_get_last_error(code39.get()), "barcode_draw_1d: the text is null");
+  uint32_t size = 77;
+  EXPECT_EQ(barcode_get_image_data(nullptr, &size), nullptr);
+  EXPECT_EQ(size, 0U);
+}
+
+// A call entering a handle that another call holds is refused with the reason, and the
+// handle is left as that call has it (here the holder is simulated by the flag).
+TEST(HardeningTest, HandleInUseIsRefusedNotShared) {
+  auto handle = MakeHandle(BARCODE_CODE128);
+  ASSERT_EQ(barcode_draw_1d(handle.get(), "FIRST", 300, 100), 1);
+  const std::vector<uint8_t> before = ImageData(handle.get());
+  handle->in_use = true;
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "SECOND", 300, 100), 0);
+  EXPECT_STREQ(barcode_get_last_error(handle.get()), barcode_orv::ffi::kHandleInUse);
+  uint32_t size = 77;
+  EXPECT_EQ(barcode_get_image_data(handle.get(), &size), nullptr);
+  EXPECT_EQ(size, 0U);
+  EXPECT_STREQ(barcode_get_svg(handle.get()), "");
+  barcode_destroy(handle.get());  // left alone while in use
+  handle->in_use = false;
+  // This thread's refusal stays readable until its next call on the handle enters it.
+  EXPECT_STREQ(barcode_get_last_error(handle.get()), barcode_orv::ffi::kHandleInUse);
+  EXPECT_EQ(ImageData(handle.get()), before);
+  EXPECT_STREQ(barcode_get_last_error(handle.get()), "");
+}
+
+// Two threads on one handle (outside the interface's promise): every call either runs
+// alone or is refused by name; nothing is corrupted (the sanitized suites watch).
+TEST(HardeningTest, TwoThreadsOnOneHandleNeverCorruptIt) {
+  auto handle = MakeHandle(BARCODE_CODE128);
+  barcode_set_output_format(handle.get(), "svg");
+  barcode_set_text_even_spacing(handle.get(), 0);  // the text in one piece
+  auto hammer = [&handle](int* unexplained) {
+    for (int i = 0; i < 300; ++i) {
+      if (barcode_draw_1d(handle.get(), "RACE-128", 300, 100) == 1) continue;
+      if (std::string(barcode_get_last_error(handle.get())) != barcode_orv::ffi::kHandleInUse) ++*unexplained;
+    }
+  };
+  int unexplained[2] = {0, 0};
+  std::thread other(hammer, &unexplained[1]);
+  hammer(&unexplained[0]);
+  other.join();
+  EXPECT_EQ(unexplained[0] + unexplained[1], 0);
+  EXPECT_EQ(barcode_draw_1d(handle.get(), "AFTER", 300, 100), 1);
+  EXPECT_NE(std::string(barcode_get_svg(handle.get())).find("AFTER"), std::string::npos);
 }
 
 }  // namespace

@@ -21,8 +21,10 @@ using barcode_orv::BarcodeBase;
 using barcode_orv::BarcodeBase1D;
 using barcode_orv::ffi::GuardDraw;
 using barcode_orv::ffi::GuardSetter;
+using barcode_orv::ffi::HandleEntry;
 using barcode_orv::ffi::ObjectFor;
 using barcode_orv::ffi::ObjectOf;
+using barcode_orv::ffi::RefuseDraw;
 
 namespace {
 
@@ -43,7 +45,8 @@ BarcodeBase1D* LinearObject(BarcodeHandle* handle) {
 
 const char* StoreTextResult(BarcodeHandle* handle, std::string (*fetch)(BarcodeBase&)) noexcept {
   BarcodeBase* object = ObjectOf(handle);
-  if (object == nullptr) return kEmpty;
+  const HandleEntry entry(handle);
+  if (object == nullptr || !entry.entered()) return kEmpty;
   try {
     std::string result = fetch(*object);
     handle->text_result = std::move(result);
@@ -73,7 +76,11 @@ BarcodeHandle* barcode_create(int type) {
   }
 }
 
-void barcode_destroy(BarcodeHandle* handle) { delete handle; }
+void barcode_destroy(BarcodeHandle* handle) {
+  // Freeing a handle another thread is drawing on would pull its memory away mid-call:
+  // such a handle is left alone (lost) instead.
+  if (handle == nullptr || HandleEntry(handle).entered()) delete handle;
+}
 
 void barcode_set_output_format(BarcodeHandle* handle, const char* format) {
   BarcodeBase* object = ObjectOf(handle);
@@ -95,8 +102,10 @@ const char* barcode_get_base64(BarcodeHandle* handle) {
 }
 
 const uint8_t* barcode_get_image_data(BarcodeHandle* handle, uint32_t* size) {
+  if (size != nullptr) *size = 0;
   BarcodeBase* object = ObjectOf(handle);
-  if (object == nullptr || size == nullptr) return nullptr;
+  const HandleEntry entry(handle);
+  if (object == nullptr || size == nullptr || !entry.entered()) return nullptr;
   try {
     const barcode_orv::log::ReasonCapture capture;
     std::vector<uint8_t> png = object->GetImageMemory();
@@ -111,7 +120,11 @@ const uint8_t* barcode_get_image_data(BarcodeHandle* handle, uint32_t* size) {
 }
 
 const char* barcode_get_last_error(BarcodeHandle* handle) {
-  return handle == nullptr ? kEmpty : handle->last_error.c_str();
+  if (handle == nullptr) return kEmpty;
+  // This thread's last call on the handle was refused, or this one would be.
+  if (barcode_orv::ffi::HandleRefusedOnThisThread() == handle) return barcode_orv::ffi::kHandleInUse;
+  const HandleEntry entry(handle);
+  return entry.entered() ? handle->last_error.c_str() : barcode_orv::ffi::kHandleInUse;
 }
 
 void barcode_set_throw_on_capacity_error(BarcodeHandle* handle, int on) {
@@ -124,7 +137,8 @@ void barcode_set_error_lines(int on) { barcode_orv::log::SetErrorLines(on != 0);
 
 const char* barcode_get_last_warning(BarcodeHandle* handle) {
   const BarcodeBase* object = ObjectOf(handle);
-  if (object == nullptr || !handle->last_error.empty()) return kEmpty;
+  const HandleEntry entry(handle);
+  if (object == nullptr || !entry.entered() || !handle->last_error.empty()) return kEmpty;
   return object->GetLastWarning().c_str();
 }
 
@@ -207,31 +221,31 @@ void barcode_set_extended_guard(BarcodeHandle* handle, int extended) {
 
 int barcode_draw_1d(BarcodeHandle* handle, const char* text, int width, int height) {
   BarcodeBase* object = ObjectOf(handle);
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_1d");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int size) {
   auto* object = dynamic_cast<barcode_orv::YubinCustomer*>(ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER}));
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_yubin");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, size); });
 }
 
 int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int width, int height) {
   BarcodeBase* object = ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER});
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_yubin_with_width");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int width, int height) {
   auto* object = dynamic_cast<barcode_orv::GS1_128*>(ObjectFor(handle, {BARCODE_GS1_128}));
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_convenience");
   return GuardDraw(handle, [&] { return object->DrawConvenience(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int width, int height) {
   auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_stacked");
   return GuardDraw(handle, [&] { return object->DrawStacked(std::string(text), 0, 0, width, height); });
 }
 

@@ -125,19 +125,24 @@ void barcode_set_y_height(BarcodeHandle* handle, int y_height) {
 
 int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size) {
   BarcodeBase2D* object = TwoDObject(handle);
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return barcode_orv::ffi::RefuseDraw(handle, text, "barcode_draw_2d");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, size); });
 }
 
 int barcode_draw_2d_rect(BarcodeHandle* handle, const char* text, int width, int height) {
   BarcodeBase2D* object = TwoDObject(handle);
-  if (object == nullptr || text == nullptr) return 0;
+  if (object == nullptr || text == nullptr) return barcode_orv::ffi::RefuseDraw(handle, text, "barcode_draw_2d_rect");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_2d_bytes(BarcodeHandle* handle, const unsigned char* data, size_t length, int width, int height) {
   BarcodeBase2D* object = TwoDObject(handle);
-  if (object == nullptr || (data == nullptr && length != 0)) return 0;
+  if (object == nullptr) return barcode_orv::ffi::RefuseDraw(handle, "", "barcode_draw_2d_bytes");
+  if (data == nullptr && length != 0) {
+    const barcode_orv::ffi::HandleEntry entry(handle);
+    if (entry.entered()) handle->last_error = "barcode_draw_2d_bytes: the data is null";
+    return 0;
+  }
   return GuardDraw(handle, [&] {
     const std::vector<uint8_t> bytes(data, data + length);
     return object->DrawBytes(bytes, 0, 0, width, height);

@@ -1,6 +1,7 @@
 // The handle behind the C interface and the helpers its functions share.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -20,6 +21,9 @@ struct BarcodeHandle {
   std::string last_error;           // why the last draw failed, "" after a success
   bool throw_on_capacity_error = true;
   bool fit_width_set = false;  // the host chose fit_width itself; the standard profile keeps it
+  // Set while a call runs on the handle: a second thread entering it meanwhile (which
+  // the interface does not allow) is refused instead of corrupting the handle.
+  std::atomic<bool> in_use{false};
 };
 
 namespace barcode_orv::ffi {
@@ -37,6 +41,47 @@ inline BarcodeBase* ObjectFor(BarcodeHandle* handle, std::initializer_list<int> 
 }
 
 inline BarcodeBase* ObjectOf(BarcodeHandle* handle) { return handle == nullptr ? nullptr : handle->object.get(); }
+
+constexpr const char kHandleInUse[] = "Handle in use by another thread: calls on one handle must not overlap";
+
+// The handle this thread's last call was refused on because another thread was using
+// it, or null. Kept per thread: the handle's own fields belong to the other call.
+inline const BarcodeHandle*& HandleRefusedOnThisThread() {
+  thread_local const BarcodeHandle* refused = nullptr;
+  return refused;
+}
+
+// Marks `handle` in use for the lifetime of this object, unless another call holds it.
+class HandleEntry {
+ public:
+  explicit HandleEntry(BarcodeHandle* handle)
+      : handle_(handle), entered_(handle != nullptr && !handle->in_use.exchange(true, std::memory_order_acquire)) {
+    if (entered_ && HandleRefusedOnThisThread() == handle) HandleRefusedOnThisThread() = nullptr;
+    if (handle != nullptr && !entered_) HandleRefusedOnThisThread() = handle;
+  }
+  ~HandleEntry() {
+    if (entered_) handle_->in_use.store(false, std::memory_order_release);
+  }
+  HandleEntry(const HandleEntry&) = delete;
+  HandleEntry& operator=(const HandleEntry&) = delete;
+
+  bool entered() const { return entered_; }
+
+ private:
+  BarcodeHandle* handle_;
+  bool entered_;
+};
+
+// A draw refused before it ran (wrong handle type, null text): 0, with the reason kept
+// for barcode_get_last_error when there is a handle to keep it in.
+inline int RefuseDraw(BarcodeHandle* handle, const char* text, const char* function) {
+  const HandleEntry entry(handle);
+  if (!entry.entered()) return 0;
+  handle->last_error =
+      std::string(function) +
+      (text == nullptr ? ": the text is null" : ": not for symbology type " + std::to_string(handle->type));
+  return 0;
+}
 
 // Runs a setter body; options have no error channel, so nothing may escape.
 template <typename Body>
@@ -79,6 +124,8 @@ inline int Fail(BarcodeHandle* handle, std::string reason, bool printed) {
 
 template <typename Body>
 int GuardDraw(BarcodeHandle* handle, Body&& body) {
+  const HandleEntry entry(handle);
+  if (!entry.entered()) return 0;
   const log::ReasonCapture capture;
   handle->object->ResetWarning();
   try {

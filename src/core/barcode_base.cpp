@@ -38,6 +38,15 @@ SDL_Color ColorFrom(int r, int g, int b, int a) {
   return SDL_Color{static_cast<Uint8>(r), static_cast<Uint8>(g), static_cast<Uint8>(b), static_cast<Uint8>(a)};
 }
 
+// One reference to the canvas pixel format, held from the first canvas to unload or exit.
+struct KeptPixelFormat {
+  KeptPixelFormat() : format(SDL_AllocFormat(SDL_PIXELFORMAT_ABGR8888)) {}
+  ~KeptPixelFormat() { SDL_FreeFormat(format); }
+  KeptPixelFormat(const KeptPixelFormat&) = delete;
+  KeptPixelFormat& operator=(const KeptPixelFormat&) = delete;
+  SDL_PixelFormat* format;
+};
+
 void AppendInt(std::string& out, long long value) {
   char buffer[24];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
@@ -105,6 +114,7 @@ std::string BarcodeBase::CanvasSizeProblem(int width, int height) {
   // either limit it writes outside the canvas instead of failing.
   constexpr int64_t kMaxSide = int64_t{1} << 24;
   constexpr int64_t kMaxBytes = INT_MAX;
+  if (width <= 0 || height <= 0) return {};
   // Sides first: within them the byte count cannot overflow.
   if (width <= kMaxSide && height <= kMaxSide && int64_t{width} * height * 4 <= kMaxBytes) return {};
   return "canvas " + std::to_string(width) + "x" + std::to_string(height) + " is larger than " +
@@ -130,8 +140,9 @@ bool BarcodeBase::CreateSurface(int width, int height) {
   // last of them. Keeping it for the process saves that allocation per canvas and keeps
   // threads drawing on separate handles from freeing and re-making it under each other
   // (SDL's spinlock around its refcount is invisible to thread sanitizers).
-  static SDL_PixelFormat* const kept_format = SDL_AllocFormat(SDL_PIXELFORMAT_ABGR8888);
-  (void)kept_format;
+  // Given back when the library is unloaded: SDL may be unloaded with it, taking the
+  // list that still points to the format.
+  static const KeptPixelFormat kept_format;
   SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ABGR8888));
   if (!surface) {
     log::Error(std::string("サーフェス作成に失敗: ") + SDL_GetError());
@@ -250,12 +261,7 @@ void BarcodeBase::FillClipped(double left, double top, double right, double bott
   // overflow the renderer's own integer arithmetic.
   int output_w = 0;
   int output_h = 0;
-  if (surface_ && renderer == renderer_.get()) {
-    output_w = surface_->w;
-    output_h = surface_->h;
-  } else if (SDL_GetRendererOutputSize(renderer, &output_w, &output_h) != 0) {
-    return;
-  }
+  if (!CanvasExtent(&output_w, &output_h)) return;
   const double canvas_w = output_w;
   const double canvas_h = output_h;
   left = std::clamp(left, 0.0, canvas_w);
@@ -271,6 +277,17 @@ void BarcodeBase::FillClipped(double left, double top, double right, double bott
   }
   SDL_SetRenderDrawColor(renderer, color.r, color.g, color.b, color.a);
   SDL_RenderFillRect(renderer, &rect);
+}
+
+bool BarcodeBase::CanvasExtent(int* width, int* height) const {
+  SDL_Renderer* renderer = canvas_renderer();
+  if (renderer == nullptr) return false;
+  if (surface_ && renderer == renderer_.get()) {
+    *width = surface_->w;
+    *height = surface_->h;
+    return true;
+  }
+  return SDL_GetRendererOutputSize(renderer, width, height) == 0;
 }
 
 bool BarcodeBase::BlendOntoCanvas(SDL_Surface* image, int left, int top) {

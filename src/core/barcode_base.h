@@ -121,6 +121,8 @@ class BarcodeBase : public IBarcodeSymbology {
   };
   void FillSpans(const std::vector<Span>& spans, int top, int height, SDL_Color color);
   void ClearCanvas(SDL_Color color);
+  // Pixel size of the canvas draws go to; false when there is none.
+  bool CanvasExtent(int* width, int* height) const;
   // Blends `image` (its alpha over the canvas, as SDL's "blend" mode) with its top-left
   // at (left, top), clipped to the canvas; false with SDL's error when that fails.
   bool BlendOntoCanvas(SDL_Surface* image, int left, int top);

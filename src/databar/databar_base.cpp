@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "core/log.h"
+#include "core/saturate.h"
 #include "linear/linear_layout.h"
 
 namespace barcode_orv {
@@ -16,13 +17,10 @@ int RowModules(const std::string& pattern) {
   return modules;
 }
 
-// The gap between stacked rows and their text grows more slowly than the linear one. NaN
-// and infinite scales saturate instead of reaching an undefined conversion.
+// The gap between stacked rows and their text grows more slowly than the linear one.
 int StackedTextOffset(int height, float gap_scale) {
   const double factor = height < 50 ? 0.02 : height <= 200 ? 0.03 : 0.04;
-  const double offset = height * factor * gap_scale;
-  if (std::isnan(offset) || offset < 1.0) return 1;
-  return offset >= 2147483647.0 ? 2147483647 : static_cast<int>(offset);
+  return std::max(TruncateToInt(height * factor * gap_scale), 1);
 }
 
 }  // namespace
@@ -33,10 +31,10 @@ std::vector<SDL_FRect> DataBarBase::PlaceRows(const StackedSymbol& symbol, int x
   int widest = 0;
   for (const std::string& pattern : patterns) widest = std::max(widest, RowModules(pattern));
   const float unit = ModuleWidthFor(width, widest, fit_width);
-  *symbol_width = static_cast<int>(unit * static_cast<float>(widest));
+  *symbol_width = TruncateToInt(static_cast<double>(unit * static_cast<float>(widest)));
 
   const int64_t text_band = int64_t{TextHeightFor(height, text_font_scale)} + StackedTextOffset(height, text_gap);
-  const auto available = static_cast<int>(std::max<int64_t>(int64_t{height} - text_band, 10));
+  const int available = std::max(ClampToInt(int64_t{height} - text_band), 10);
   const std::vector<int32_t>& modules = symbol.rows.heights;
   std::vector<float> row_height(modules.size());
   if (symbol.rule == RowHeightRule::kShareOfBox) {
@@ -88,6 +86,7 @@ bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int wid
     if (!IsRasterOutput()) ClearCanvas(back_color);
   }
   StackedSymbol symbol;
+  if (!AcceptsInputLength(text, log_prefix)) return false;
   try {
     symbol = encode(text);
   } catch (const std::exception& error) {

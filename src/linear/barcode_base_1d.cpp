@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "core/log.h"
+#include "core/saturate.h"
 #include "linear/font_library.h"
 
 namespace barcode_orv {
@@ -17,6 +18,20 @@ constexpr int kSharedFontPoints = 18;
 // Glyphs are never rasterised larger than this: a text far taller than any canvas
 // would only cost memory (the SVG text keeps the computed size).
 constexpr int kMaxRasterFontPoints = 2048;
+// The smallest text size the layout gives (TextHeightFor's minimum).
+constexpr int kMinRasterFontPoints = 8;
+// Above this many pixels a text line is rendered only where it meets the canvas.
+constexpr int64_t kMaxTextLinePixels = int64_t{1} << 20;
+
+// Byte offset of the character `chars` characters into UTF-8 `text` (its size beyond).
+size_t Utf8Offset(const std::string& text, size_t chars) {
+  size_t at = 0;
+  for (size_t seen = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if ((byte & 0xC0U) != 0x80U && seen++ == chars) return at;
+  }
+  return text.size();
+}
 
 // The path the shared font was opened from; the per-size fonts come from the same file.
 std::string& SharedFontPath() {
@@ -40,6 +55,11 @@ std::string BarcodeBase1D::GetFontPath() { return font::FindFontPath(GetModulePa
 
 bool BarcodeBase1D::InitFont() {
   const std::lock_guard<std::mutex> lock(font::Mutex());
+  return OpenFontsLocked();
+}
+
+bool BarcodeBase1D::OpenFontsLocked() {
+  if (font::TtfDroppedUnderUs()) AbandonFontsLocked();
   if (m_font != nullptr) return true;
   // Constructed after the mutex and the caches, so it is destroyed before them: at unload
   // or exit the fonts close while the library's own SDL_ttf reference still keeps
@@ -71,7 +91,18 @@ void BarcodeBase1D::DestroyFont() {
   CloseFontsLocked();
 }
 
+void BarcodeBase1D::AbandonFontsLocked() {
+  // Closing them would free the faces a second time: the few kilobytes of SDL_ttf's
+  // own structures are left behind instead.
+  log::Error("SDL_ttf was shut down under the library (one TTF_Quit too many); its fonts are reopened");
+  font::AbandonSizedFonts();
+  m_font = nullptr;
+  SharedFontPath().clear();
+  font::ForgetTtf();
+}
+
 void BarcodeBase1D::CloseFontsLocked() {
+  if (font::TtfDroppedUnderUs()) AbandonFontsLocked();
   font::CloseSizedFonts();
   if (m_font != nullptr) TTF_CloseFont(m_font);
   m_font = nullptr;
@@ -109,8 +140,8 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
     const double needed = static_cast<double>(unit) * static_cast<double>(total);
     if (needed > width + 1e-3) throw std::runtime_error("Box too small: " + std::to_string(total) + " px needed");
     const double margin = (width - needed) / 2.0;
-    x += static_cast<int>(fit_width ? std::lround(margin) : std::floor(margin));
-    width = static_cast<int>(std::lround(needed));
+    x = TruncateToInt(static_cast<double>(x) + (fit_width ? std::round(margin) : std::floor(margin)));
+    width = TruncateToInt(std::round(needed));
   }
   const auto left = static_cast<float>(x);
   const BarLayout layout =
@@ -119,7 +150,7 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
   int font_cap = 0;
   if (symbol.font_cap_modules > 0.0F) {
     const double cap = std::floor(static_cast<double>(symbol.font_cap_modules) * unit);
-    font_cap = static_cast<int>(std::clamp(cap, 8.0, 2147483647.0));
+    font_cap = std::max(TruncateToInt(cap), 8);
   }
   const bool has_guards = std::find(symbol.reach.begin(), symbol.reach.end(), BarReach::kGuard) != symbol.reach.end();
   const bool has_text_above = std::any_of(symbol.text_runs.begin(), symbol.text_runs.end(),
@@ -144,7 +175,7 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
     placed.drawn_width = layout.drawn_width;
   } else {
     const double right = static_cast<double>(layout.edges.back()) + static_cast<double>(trail_modules) * unit;
-    placed.drawn_width = static_cast<int>(std::clamp(right - x, -2147483648.0, 2147483647.0));
+    placed.drawn_width = TruncateToInt(right - x);
   }
 
   if (symbol.text_runs.empty()) {
@@ -238,7 +269,7 @@ void BarcodeBase1D::PlaceRuns(const LinearSymbol& symbol, const BarLayout& layou
       } else {
         placement.log_failures = true;
         const size_t pitch_chars = run.pitch_chars > 0 ? run.pitch_chars : run.text.size();
-        const auto clamped_width = static_cast<int>(std::clamp<int64_t>(span_width, 0, 2147483647));
+        const int clamped_width = std::max(ClampToInt(span_width), 0);
         const TextSpacing spacing =
             EvenTextSpacing(clamped_width, height, pitch_chars, text_font_scale, text_margin_scale);
         // Centred with its own length at the shared pitch; the halving truncates like the classic line's.
@@ -253,8 +284,21 @@ void BarcodeBase1D::PlaceRuns(const LinearSymbol& symbol, const BarLayout& layou
   }
 }
 
+std::string BarcodeBase1D::InputLengthProblem(const std::string& text) {
+  if (text.size() <= kMaxInputLength) return {};
+  return "Input too long: " + std::to_string(text.size()) + " characters (max " + std::to_string(kMaxInputLength) + ")";
+}
+
+bool BarcodeBase1D::AcceptsInputLength(const std::string& text, const char* log_prefix) {
+  const std::string problem = InputLengthProblem(text);
+  if (problem.empty()) return true;
+  log::Error(log_prefix + problem);
+  return false;
+}
+
 bool BarcodeBase1D::EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
                                    LinearSymbol* symbol) {
+  if (!AcceptsInputLength(text, log_prefix)) return false;
   try {
     *symbol = encode(text);
     return true;
@@ -335,43 +379,92 @@ BarcodeBase1D::TextPlacement BarcodeBase1D::ClassicLine(const std::string& text,
 }
 
 void BarcodeBase1D::PaintTextRaster(const TextPlacement& placement) {
-  if (placement.pieces.empty() || canvas_renderer() == nullptr) return;
+  int canvas_w = 0;
+  int canvas_h = 0;
+  if (placement.pieces.empty() || !CanvasExtent(&canvas_w, &canvas_h)) return;
+  // Text taller than the canvas is never wholly shown, so glyphs are rasterised no
+  // larger: an absurd font scale costs what a box-filling text costs. (The minimum text
+  // size stays, so small boxes keep their text.)
+  const int points = std::min({placement.font_size, std::max(canvas_h, kMinRasterFontPoints), kMaxRasterFontPoints});
+  const CanvasBounds canvas{canvas_w, canvas_h};
   // Only the rendering needs the shared fonts; the pieces are copied onto this object's
   // canvas after the lock is released, so threads drawing on separate handles overlap.
-  std::vector<SurfacePtr> rendered_pieces;
-  std::vector<std::string> failures;
+  std::vector<RenderedPiece> rendered_pieces;
   {
     const std::lock_guard<std::mutex> lock(font::Mutex());
+    if (font::TtfDroppedUnderUs()) OpenFontsLocked();
     if (m_font == nullptr) return;
-    TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(placement.font_size, kMaxRasterFontPoints));
+    TTF_Font* font = font::SizedFont(SharedFontPath(), points);
     if (font == nullptr) return;
-    rendered_pieces.reserve(placement.pieces.size());
     for (const TextPiece& piece : placement.pieces) {
-      rendered_pieces.emplace_back(TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
-      if (!rendered_pieces.back()) failures.emplace_back(SDL_GetError());
+      if (!MayReachCanvas(piece, placement, points, canvas)) continue;  // neither shaped nor rendered
+      rendered_pieces.push_back(RenderPiece(font, piece, points, canvas));
     }
   }
-  size_t failure = 0;
-  for (size_t i = 0; i < placement.pieces.size(); ++i) {
-    const TextPiece& piece = placement.pieces[i];
-    const SurfacePtr& rendered = rendered_pieces[i];
-    if (!rendered) {
-      if (placement.log_failures) log::Error("TTF_RenderUTF8_Blended error: " + failures[failure]);
-      ++failure;
+  for (const RenderedPiece& rendered : rendered_pieces) {
+    if (!rendered.surface) {
+      if (placement.log_failures) log::Error("TTF_RenderUTF8_Blended error: " + rendered.error);
       continue;
     }
-    // Centred in the piece's span; the halving truncates toward zero.
-    const int64_t left = piece.left + (piece.width - rendered->w) / 2;  // NOLINT(bugprone-integer-division)
     // Bottom-aligned text is lifted when its glyphs are taller than the font size, so
     // nothing hangs below the box.
     int64_t top = placement.top;
-    if (placement.bottom_aligned) top -= rendered->h > placement.font_size ? rendered->h : placement.font_size;
+    if (placement.bottom_aligned) top -= std::max(rendered.surface->h, points);
     // Positions come in a wide type and are clamped once: absurd scales or boxes put them
     // off the canvas, never into an overflow inside SDL.
-    if (!BlendOntoCanvas(rendered.get(), ClampToPixel(left), ClampToPixel(top)) && placement.log_failures) {
+    if (!BlendOntoCanvas(rendered.surface.get(), ClampToPixel(rendered.left), ClampToPixel(top)) &&
+        placement.log_failures) {
       log::Error(std::string("SDL_CreateTextureFromSurface error: ") + SDL_GetError());
     }
   }
+}
+
+bool BarcodeBase1D::MayReachCanvas(const TextPiece& piece, const TextPlacement& placement, int points,
+                                   const CanvasBounds& canvas) {
+  // Generous bounds on what the glyphs can cover: an em or two a byte across, two ems
+  // down (the font's ascent and descent are about 1.2 em).
+  const int64_t reach_x = (static_cast<int64_t>(piece.text.size()) * 2 + 1) * points;
+  const int64_t reach_y = int64_t{2} * points;
+  const int64_t center = piece.left + piece.width / 2;  // NOLINT(bugprone-integer-division)
+  if (center + reach_x / 2 < 0 || center - reach_x / 2 > canvas.width) return false;
+  if (placement.bottom_aligned) return placement.top > 0 && placement.top - reach_y < canvas.height;
+  return placement.top < canvas.height && placement.top + reach_y > 0;
+}
+
+BarcodeBase1D::RenderedPiece BarcodeBase1D::RenderPiece(TTF_Font* font, const TextPiece& piece, int points,
+                                                        const CanvasBounds& canvas) const {
+  RenderedPiece rendered;
+  // Lines that may be large are measured first (the glyph metrics only, no rendering).
+  const int64_t estimate = (static_cast<int64_t>(piece.text.size()) * 2 + 1) * points * 2 * points;
+  int text_w = 0;
+  int text_h = 0;
+  if (estimate <= kMaxTextLinePixels || TTF_SizeUTF8(font, piece.text.c_str(), &text_w, &text_h) != 0 ||
+      int64_t{text_w} * text_h <= kMaxTextLinePixels) {
+    rendered.surface.reset(TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
+    if (!rendered.surface) {
+      rendered.error = SDL_GetError();
+      return rendered;
+    }
+    // Centred in the piece's span; the halving truncates toward zero.
+    rendered.left = piece.left + (piece.width - rendered.surface->w) / 2;  // NOLINT(bugprone-integer-division)
+    return rendered;
+  }
+  const int64_t left = piece.left + (piece.width - text_w) / 2;  // NOLINT(bugprone-integer-division)
+  // A line far wider than the canvas: only the characters that can reach it are
+  // rendered, at the offset the characters before them take.
+  int skipped_w = 0;
+  int skipped = 0;
+  TTF_MeasureUTF8(font, piece.text.c_str(), ClampToInt(std::max<int64_t>(-left, 0)), &skipped_w, &skipped);
+  const size_t from = Utf8Offset(piece.text, static_cast<size_t>(skipped));
+  const std::string rest = piece.text.substr(from);
+  int kept_w = 0;
+  int kept = 0;
+  TTF_MeasureUTF8(font, rest.c_str(), ClampToInt(int64_t{canvas.width} + text_h), &kept_w, &kept);
+  const std::string visible = rest.substr(0, Utf8Offset(rest, static_cast<size_t>(kept) + 1));
+  rendered.surface.reset(TTF_RenderUTF8_Blended(font, visible.c_str(), fore_color));
+  if (!rendered.surface) rendered.error = SDL_GetError();
+  rendered.left = left + skipped_w;
+  return rendered;
 }
 
 void BarcodeBase1D::PaintTextSvg(const TextPlacement& placement) {

@@ -75,6 +75,14 @@ class BarcodeBase1D : public BarcodeBase {
   bool DrawLinearSvg(const std::string& text, int x, int y, int width, int height, const char* log_prefix,
                      const LinearEncoder& encode);
 
+  // The longest text every linear symbology accepts, in bytes: far beyond what a reader
+  // scans, short enough that the longest text encodes and draws in milliseconds.
+  static constexpr size_t kMaxInputLength = 1000;
+  // Why `text` is refused before any encoding ("" when it is not too long).
+  static std::string InputLengthProblem(const std::string& text);
+  // The same, written to standard error as `log_prefix` + message; true when accepted.
+  static bool AcceptsInputLength(const std::string& text, const char* log_prefix);
+
   // Runs `encode`; a failure is written to standard error as `log_prefix` + message.
   static bool EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
                              LinearSymbol* symbol);
@@ -104,7 +112,12 @@ class BarcodeBase1D : public BarcodeBase {
     FontTeardown& operator=(const FontTeardown&) = delete;
     ~FontTeardown();
   };
-  static void CloseFontsLocked();  // caller holds font::Mutex()
+  // These three: caller holds font::Mutex().
+  static void CloseFontsLocked();
+  // Opens the shared font unless it is open and alive; false when no font is usable.
+  static bool OpenFontsLocked();
+  // Drops fonts whose faces a host's extra TTF_Quit freed, and the reference it took.
+  static void AbandonFontsLocked();
 
   // One piece of text, centred in [left, left + width) (width 0: centred on left).
   struct TextPiece {
@@ -145,6 +158,21 @@ class BarcodeBase1D : public BarcodeBase {
   // Places the symbol's text runs; `lead_modules` is the lead actually used (quiet zone).
   void PlaceRuns(const LinearSymbol& symbol, const BarLayout& layout, float unit, int32_t lead_modules,
                  const RowGeometry& rows, int x, int y, int height, PlacedSymbol* placed) const;
+  struct CanvasBounds {
+    int width;
+    int height;
+  };
+  // A piece rendered at `points`, with its left edge on the canvas.
+  struct RenderedPiece {
+    SurfacePtr surface;
+    int64_t left = 0;
+    std::string error;  // SDL's, when rendering failed
+  };
+  // False when the piece's glyphs, placed at `points`, cannot touch the canvas.
+  static bool MayReachCanvas(const TextPiece& piece, const TextPlacement& placement, int points,
+                             const CanvasBounds& canvas);
+  // Caller holds font::Mutex().
+  RenderedPiece RenderPiece(TTF_Font* font, const TextPiece& piece, int points, const CanvasBounds& canvas) const;
   void PaintTextRaster(const TextPlacement& placement);
   void PaintTextSvg(const TextPlacement& placement);
   // Classic line under the bars as pieces.

@@ -115,6 +115,11 @@ TTF_Font* SizedFont(const std::string& path, int points) {
 
 void CloseSizedFonts() { SizedFonts().clear(); }
 
+void AbandonSizedFonts() {
+  for (auto& sized : SizedFonts()) (void)sized.second.release();
+  SizedFonts().clear();
+}
+
 void CreateSizedFontCache() { (void)SizedFonts(); }
 
 bool HoldTtf() {
@@ -127,6 +132,10 @@ bool HoldTtf() {
 void ReleaseTtf() {
   if (holds_ttf.exchange(false)) TTF_Quit();
 }
+
+bool TtfDroppedUnderUs() { return holds_ttf && TTF_WasInit() == 0; }
+
+void ForgetTtf() { holds_ttf = false; }
 
 void MarkTornDown() { torn_down = true; }
 

@@ -27,6 +27,8 @@ TTF_Font* SizedFont(const std::string& path, int points);
 
 // Closes every sized font.
 void CloseSizedFonts();
+// Forgets every sized font without closing it: for faces FreeType already freed.
+void AbandonSizedFonts();
 // Constructs the cache of sized fonts now, so that it outlives what is constructed after
 // (objects of static storage are destroyed in the reverse order).
 void CreateSizedFontCache();
@@ -36,6 +38,11 @@ void CreateSizedFontCache();
 bool HoldTtf();
 // Gives that reference back with the matching TTF_Quit, if it is held.
 void ReleaseTtf();
+// True when the reference is held but SDL_ttf is no longer initialised: a host called
+// TTF_Quit once more than its own TTF_Init, and FreeType freed every face with it.
+bool TtfDroppedUnderUs();
+// Forgets a reference that is gone (see TtfDroppedUnderUs), so HoldTtf takes a new one.
+void ForgetTtf();
 
 // Set once the process-wide fonts were closed for good (library unload, process exit).
 void MarkTornDown();

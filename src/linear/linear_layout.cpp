@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/saturate.h"
+
 namespace barcode_orv {
 namespace {
 
@@ -23,15 +25,6 @@ double TextMarginFactor(int width) {
   if (width < 100) return 0.03;
   if (width <= 400) return 0.05;
   return 0.07;
-}
-
-// Integer part of `value`, saturated to the int range (NaN gives 0), so that absurd
-// scale options cannot overflow.
-int TruncateToInt(double value) {
-  if (std::isnan(value)) return 0;
-  if (value >= 2147483647.0) return 2147483647;
-  if (value <= -2147483648.0) return -2147483647 - 1;
-  return static_cast<int>(value);
 }
 
 constexpr int kMinTextHeight = 8;
@@ -106,10 +99,9 @@ TextSpacing EvenTextSpacing(int width, int height, size_t char_count, float font
   const auto n = static_cast<int64_t>(char_count);
   int64_t pitch = n >= 2 ? usable / (n - 1) : usable;
   if (pitch < spacing.font_size / 2) pitch = spacing.font_size / 2;
-  spacing.pitch = TruncateToInt(static_cast<double>(pitch));
+  spacing.pitch = ClampToInt(pitch);
   // The run is centred in whole pixels: the halving truncates toward zero on purpose.
-  spacing.first_center =
-      TruncateToInt(static_cast<double>((int64_t{width} - (n - 1) * pitch) / 2));  // NOLINT(bugprone-integer-division)
+  spacing.first_center = ClampToInt((int64_t{width} - (n - 1) * pitch) / 2);  // NOLINT(bugprone-integer-division)
   return spacing;
 }
 
@@ -138,8 +130,8 @@ RowGeometry LinearRows(int height, bool show_text, float font_scale, float gap_s
   // between and below them.
   const int64_t band_top = static_cast<int64_t>(rows.bar_height) + rows.gap;
   const int64_t third = int64_t{rows.text_height} * 2 / 3;
-  rows.first_line_top = TruncateToInt(static_cast<double>(band_top + third));
-  rows.second_line_top = TruncateToInt(static_cast<double>(band_top + third + rows.text_height + third));
+  rows.first_line_top = ClampToInt(band_top + third);
+  rows.second_line_top = ClampToInt(band_top + third + rows.text_height + third);
   return rows;
 }
 

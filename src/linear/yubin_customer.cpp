@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/log.h"
+#include "core/saturate.h"
 
 namespace barcode_orv {
 namespace {
@@ -17,6 +18,7 @@ constexpr const char* kPtnStart = "13";
 constexpr const char* kPtnStop = "31";
 constexpr int kPositions = 20;
 constexpr int kBarsPerPosition = 3;
+constexpr const char* kLogPrefix = "[YubinCustomer] ";
 
 std::string PatternOf(int code) {
   if (code >= 0 && code <= 9) return kPtnN[static_cast<size_t>(code)];
@@ -42,11 +44,9 @@ int CheckValueOf(std::string_view group) {
 }
 
 // trunc(67 p + h/6 + 1) with p = h/3, in float, as the published layout computes it.
-const std::string kLogPrefix = "[YubinCustomer] ";
-
-int CanvasWidth(int h) {
+int64_t BarsWidth(int h) {
   const auto height = static_cast<float>(h);
-  return static_cast<int>(67.0F * (height / 3.0F) + height / 6.0F + 1.0F);
+  return TruncateToInt(static_cast<double>(67.0F * (height / 3.0F) + height / 6.0F + 1.0F));
 }
 
 }  // namespace
@@ -148,14 +148,19 @@ void YubinCustomer::WriteBars(const std::string& bars, float x) {
 
 // With the quiet-zone option: two bar pitches (about 2 mm at the usual size) of light
 // space on each side, added to the canvas width.
-int YubinCustomer::QuietZoneWidth(int h) const { return quiet_zone ? static_cast<int>(2.0F * h / 3.0F) : 0; }
+int YubinCustomer::QuietZoneWidth(int h) const {
+  return quiet_zone ? TruncateToInt(static_cast<double>(2.0F * static_cast<float>(h) / 3.0F)) : 0;
+}
+
+// The bars and both quiet zones, in a wide type and clamped once: a height near INT_MAX
+// gives a width no canvas can have, refused like any other oversized box.
+int YubinCustomer::CanvasWidth(int h) const { return ClampToInt(BarsWidth(h) + int64_t{2} * QuietZoneWidth(h)); }
 
 bool YubinCustomer::Draw(const std::string& data, int x, int y, int h) {
   if (!Drawable(data, h)) return false;
   if (IsSvgOutput()) return DrawSvg(data, x, y, 0, h);
-  const int quiet = QuietZoneWidth(h);
-  if (!BarcodeBase::Draw(data, x, y, CanvasWidth(h) + 2 * quiet, h) || canvas_renderer() == nullptr) return false;
-  x += quiet;
+  if (!BarcodeBase::Draw(data, x, y, CanvasWidth(h), h) || canvas_renderer() == nullptr) return false;
+  x = ClampToInt(int64_t{x} + QuietZoneWidth(h));
   if (!IsRasterOutput()) ClearCanvas(back_color);  // a fresh canvas is already background
   bar_full_height_ = static_cast<float>(h);
   bar_top_ = static_cast<float>(y);
@@ -174,18 +179,17 @@ bool YubinCustomer::Draw(const std::string& data, int x, int y, int /*width*/, i
   return Draw(data, x, y, height);
 }
 
-bool YubinCustomer::Drawable(const std::string& data, int height) {
+bool YubinCustomer::Drawable(const std::string& data, int height) const {
   // Silent failures by default; a host still learns why nothing was drawn.
   if (data.empty()) log::Reason(kLogPrefix + std::string("Empty string"));
   if (height < 1) log::Reason(kLogPrefix + std::string("Bar height must be at least 1 px"));
-  return height >= 1 && !data.empty();
+  return height >= 1 && !data.empty() && AcceptsInputLength(data, kLogPrefix);
 }
 
 bool YubinCustomer::DrawSvg(const std::string& data, int x, int y, int /*width*/, int height) {
   if (!Drawable(data, height)) return false;
-  const int quiet = QuietZoneWidth(height);
-  const int canvas_width = CanvasWidth(height) + 2 * quiet;
-  x += quiet;
+  const int canvas_width = CanvasWidth(height);
+  x = ClampToInt(int64_t{x} + QuietZoneWidth(height));
   bar_full_height_ = static_cast<float>(height);
   bar_top_ = static_cast<float>(y);
   SvgBegin(canvas_width, height);

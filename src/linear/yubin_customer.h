@@ -46,8 +46,9 @@ class YubinCustomer : public BarcodeBase1D {
 
  private:
   // False (with the reason recorded) for an empty text or a height under one pixel.
-  static bool Drawable(const std::string& data, int height);
+  bool Drawable(const std::string& data, int height) const;
   int QuietZoneWidth(int h) const;
+  int CanvasWidth(int h) const;
   void WriteBars(const std::string& bars, float x);
 
   float bar_full_height_ = 0.0F;  // H

@@ -2,7 +2,10 @@
  *   exit    draw with the text line, then TTF_Quit, IMG_Quit, SDL_Quit and return;
  *   reinit  draw, TTF_Quit, TTF_Init, draw again (same bytes), then shut everything down;
  *   dlclose load the library at run time, draw, unload it, then shut SDL down (built
- *           without linking the library, so that dlclose really unloads it).
+ *           without linking the library, so that dlclose really unloads it);
+ *   extra-quit  draw, then TTF_Quit twice (once more than the host's TTF_Init, which
+ *           takes the library's own reference and every face with it), draw again (same
+ *           bytes) and exit.
  * Each mode must end with status 0 and no memory error. */
 #include <SDL.h>
 #include <SDL_image.h>
@@ -76,6 +79,14 @@ int main(int argc, char** argv) {
     same = first_size == second_size && memcmp(first, second, first_size) == 0;
     free(second);
     if (!same) return 23;
+  }
+  if (strcmp(mode, "extra-quit") == 0) {
+    TTF_Quit();
+    TTF_Quit();
+    if (!DrawOnce(&lib, &second, &second_size)) return 24;
+    same = first_size == second_size && memcmp(first, second, first_size) == 0;
+    free(second);
+    if (!same) return 25;
   }
   free(first);
   if (loaded != NULL && dlclose(loaded) != 0) return 30;
