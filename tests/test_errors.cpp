@@ -292,3 +292,40 @@ TEST(Warnings, ErrorLinesCanBeKeptOffStandardError) {
 
 }  // namespace
 }  // namespace barcode_orv
+
+namespace barcode_orv {
+namespace {
+
+// No draw fails without saying why, whatever the type, entry point, text, box, format or
+// profile: the reason is never empty and never the bare "Draw failed".
+TEST(Refusals, NoFailureWithoutAReason) {
+  const Draw draws[] = {barcode_draw_1d,    barcode_draw_2d_rect, barcode_draw_yubin_with_width,
+                        barcode_draw_stacked, barcode_draw_convenience};
+  const std::string texts[] = {"", "A", "1234567", "(01)04912345678904", "\xFF", std::string(1001, '1')};
+  const std::pair<int, int> boxes[] = {{0, 0}, {1, 1}, {-5, 10}, {300, 100}};
+  for (int type = 0; type <= 18; ++type) {
+    for (const int standard : {0, 1}) {
+      for (const char* format : {"png", "svg", "gif"}) {
+        testing::HandlePtr handle = testing::MakeHandle(type);
+        barcode_set_error_lines(0);
+        barcode_set_standard(handle.get(), standard);
+        barcode_set_output_format(handle.get(), format);
+        for (const Draw draw : draws) {
+          for (const std::string& text : texts) {
+            for (const auto& [width, height] : boxes) {
+              if (draw(handle.get(), text.c_str(), width, height) != 0) continue;
+              const std::string reason = barcode_get_last_error(handle.get());
+              EXPECT_TRUE(!reason.empty() && reason != "Draw failed")
+                  << "type " << type << " " << format << " standard " << standard << " '" << text.substr(0, 20)
+                  << "' " << width << "x" << height << ": '" << reason << "'";
+            }
+          }
+        }
+        barcode_set_error_lines(1);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace barcode_orv
