@@ -93,7 +93,39 @@ bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int wid
     log::Error(std::string(log_prefix) + error.what());
     return false;
   }
+  int widest = 0;
+  for (const std::string& pattern : symbol.rows.patterns) widest = std::max(widest, RowModules(pattern));
+  // Modules under a pixel wide print as a grey blur: the standard profile never draws them.
+  if (standard_profile && ModuleWidthFor(width, widest, fit_width) < 1.0F) {
+    log::Error(std::string(log_prefix) + "Box too small: " + std::to_string(widest) + " px needed");
+    return false;
+  }
+  WarnUnlessInside(symbol, widest, x, y, width, height, log_prefix);
   return svg ? DrawStackedSvg(symbol, x, y, width, height) : DrawStackedRaster(symbol, x, y, width, height);
+}
+
+void DataBarBase::WarnUnlessInside(const StackedSymbol& symbol, int widest, int x, int y, int width, int height,
+                                   const char* log_prefix) const {
+  int symbol_width = 0;
+  const std::vector<SDL_FRect> bars = PlaceRows(symbol, x, y, width, height, &symbol_width);
+  const double right = static_cast<double>(x) + width + 0.5;
+  const bool too_wide = std::any_of(bars.begin(), bars.end(), [right](const SDL_FRect& bar) {
+    return static_cast<double>(bar.x) + static_cast<double>(bar.w) > right;
+  });
+  // The rows keep at least 10 pixels, and then reach into the text line below them.
+  const int64_t text_band =
+      show_text ? int64_t{TextHeightFor(height, text_font_scale)} + StackedTextOffset(height, text_gap) : 0;
+  const double floor = static_cast<double>(y) + height - static_cast<double>(text_band) + 0.5;
+  const bool flat = std::any_of(bars.begin(), bars.end(), [floor](const SDL_FRect& bar) {
+    return bar.h < 1.0F || static_cast<double>(bar.y) + static_cast<double>(bar.h) > floor;
+  });
+  if (too_wide) {
+    Warn(log_prefix + ("Box too small: " + std::to_string(widest) + " px needed"));
+  } else if (flat) {
+    Warn(log_prefix + std::string("Box too small: no height is left for the rows above the text"));
+  } else if (show_text && !symbol.rows.patterns.empty()) {
+    WarnUnlessClassicLineInside(symbol.display_text, x, y, symbol_width, width, height, log_prefix);
+  }
 }
 
 bool DataBarBase::DrawStackedRaster(const StackedSymbol& symbol, int x, int y, int width, int height) {

@@ -33,6 +33,9 @@ class DataBarBase : public BarcodeBase1D {
                        const StackedEncoder& encode);
 
  private:
+  // Warns when the rows (`widest` modules) or their text line leave the box.
+  void WarnUnlessInside(const StackedSymbol& symbol, int widest, int x, int y, int width, int height,
+                        const char* log_prefix) const;
   bool DrawStackedRaster(const StackedSymbol& symbol, int x, int y, int width, int height);
   bool DrawStackedSvg(const StackedSymbol& symbol, int x, int y, int width, int height);
   // Bars of every row, and the drawn symbol width, for the box.

@@ -87,6 +87,10 @@ class BarcodeBase1D : public BarcodeBase {
   static bool EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
                              LinearSymbol* symbol);
 
+  // Warns (`log_prefix` first) when the classic text line of a symbol drawn `symbol_width`
+  // pixels wide from x leaves the box (x, y, box_width, height).
+  void WarnUnlessClassicLineInside(const std::string& text, int x, int y, int symbol_width, int box_width, int height,
+                                   const char* log_prefix) const;
   // Human-readable line under a symbol drawn `width` pixels wide in a box `height` tall.
   void RenderText(const std::string& text, int x, int y, int width, int height);
   void RenderTextSvg(const std::string& text, int x, int y, int width, int height);
