@@ -222,8 +222,8 @@ const WarningRow kWarningRows[] = {
     {BARCODE_PDF417, "", "[PDF417] Empty data: the symbol would carry nothing", "same"},
     {BARCODE_GS1_DATABAR_14, "", "[GS1 DataBar] Empty data: the symbol carries GTIN 00000000000000", "same", 600, 240,
      nullptr, barcode_draw_1d},
-    {BARCODE_GS1_DATABAR_14, "0950110153000", "[GS1 DataBar] Box too small: the text line does not fit", "same",
-     100, 100, [](BarcodeHandle* h) { barcode_set_symbol_type_14(h, "STACKED"); }, barcode_draw_1d},
+    {BARCODE_GS1_DATABAR_14, "0950110153000", "[GS1 DataBar] Box too small: the text line does not fit", "same", 100,
+     100, [](BarcodeHandle* h) { barcode_set_symbol_type_14(h, "STACKED"); }, barcode_draw_1d},
     {BARCODE_GS1_DATABAR_14, "0950110153000", "[GS1 DataBar] Box too small: 50 px needed", "same", 40, 100,
      [](BarcodeHandle* h) { barcode_set_symbol_type_14(h, "STACKED"); }, barcode_draw_1d},
     {BARCODE_GS1_DATABAR_EXPANDED, "(01)98898765432106(3202)012345(15)991231",
@@ -306,8 +306,8 @@ namespace {
 // No draw fails without saying why, whatever the type, entry point, text, box, format or
 // profile: the reason is never empty and never the bare "Draw failed".
 TEST(Refusals, NoFailureWithoutAReason) {
-  const Draw draws[] = {barcode_draw_1d,    barcode_draw_2d_rect, barcode_draw_yubin_with_width,
-                        barcode_draw_stacked, barcode_draw_convenience};
+  const Draw draws[] = {barcode_draw_1d, barcode_draw_2d_rect, barcode_draw_yubin_with_width, barcode_draw_stacked,
+                        barcode_draw_convenience};
   const std::string texts[] = {"", "A", "1234567", "(01)04912345678904", "\xFF", std::string(1001, '1')};
   const std::pair<int, int> boxes[] = {{0, 0}, {1, 1}, {-5, 10}, {300, 100}};
   for (int type = 0; type <= 18; ++type) {
@@ -323,8 +323,8 @@ TEST(Refusals, NoFailureWithoutAReason) {
               if (draw(handle.get(), text.c_str(), width, height) != 0) continue;
               const std::string reason = barcode_get_last_error(handle.get());
               EXPECT_TRUE(!reason.empty() && reason != "Draw failed")
-                  << "type " << type << " " << format << " standard " << standard << " '" << text.substr(0, 20)
-                  << "' " << width << "x" << height << ": '" << reason << "'";
+                  << "type " << type << " " << format << " standard " << standard << " '" << text.substr(0, 20) << "' "
+                  << width << "x" << height << ": '" << reason << "'";
             }
           }
         }

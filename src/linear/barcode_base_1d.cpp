@@ -207,8 +207,8 @@ void BarcodeBase1D::WarnUnlessInside(const PlacedSymbol& placed, const Box& box,
   }
 }
 
-void BarcodeBase1D::WarnUnlessClassicLineInside(const std::string& text, int x, int y, int symbol_width,
-                                                int box_width, int height, const char* log_prefix) const {
+void BarcodeBase1D::WarnUnlessClassicLineInside(const std::string& text, int x, int y, int symbol_width, int box_width,
+                                                int height, const char* log_prefix) const {
   if (!TextInside(ClassicLine(text, x, y, symbol_width, height), Box{x, y, box_width, height})) {
     Warn(log_prefix + std::string("Box too small: the text line does not fit"));
   }
