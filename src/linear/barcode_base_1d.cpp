@@ -1,6 +1,7 @@
 #include "linear/barcode_base_1d.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cmath>
 #include <cstdint>
@@ -218,16 +219,28 @@ bool BarcodeBase1D::TextInside(const TextPlacement& placement, const Box& box) {
   if (placement.pieces.empty()) return true;
   const int64_t top = placement.bottom_aligned ? placement.top - placement.font_size : placement.top;
   if (top < box.y || top + placement.font_size > int64_t{box.y} + box.height) return false;
+  // The pieces run left to right, so the first and the last bound the line.
+  const std::array<const TextPiece*, 2> ends = {&placement.pieces.front(), &placement.pieces.back()};
+  auto inside = [&box](const TextPiece& piece, int64_t glyphs_width) {
+    const int64_t left = piece.left + (piece.width - glyphs_width) / 2;  // NOLINT(bugprone-integer-division)
+    return left >= int64_t{box.x} - 1 && left + glyphs_width <= int64_t{box.x} + box.width + 1;
+  };
+  // No glyph of the font's ASCII is wider than its size (0.9 of it at most): a line that
+  // fits at that width needs no measuring.
+  const bool surely_inside = std::all_of(ends.begin(), ends.end(), [&](const TextPiece* piece) {
+    const bool ascii = std::all_of(piece->text.begin(), piece->text.end(),
+                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return ascii && inside(*piece, int64_t{placement.font_size} * static_cast<int64_t>(piece->text.size()));
+  });
+  if (surely_inside) return true;
   const std::lock_guard<std::mutex> lock(font::Mutex());
   if (m_font == nullptr) return true;  // no font, no text line to clip
   TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(placement.font_size, kMaxRasterFontPoints));
   if (font == nullptr) return true;
-  // The pieces run left to right, so the first and the last bound the line.
-  for (const TextPiece* piece : {&placement.pieces.front(), &placement.pieces.back()}) {
+  for (const TextPiece* piece : ends) {
     int glyphs_width = 0;
     if (TTF_SizeUTF8(font, piece->text.c_str(), &glyphs_width, nullptr) != 0) continue;
-    const int64_t left = piece->left + (piece->width - glyphs_width) / 2;  // NOLINT(bugprone-integer-division)
-    if (left < int64_t{box.x} - 1 || left + glyphs_width > int64_t{box.x} + box.width + 1) return false;
+    if (!inside(*piece, glyphs_width)) return false;
   }
   return true;
 }

@@ -267,8 +267,11 @@ bool WritesSetA(const std::vector<int32_t>& values) {
 }  // namespace
 
 BarcodeBase1D::LinearSymbol Code128::Encode(const std::string& text) {
-  LinearSymbol symbol{EncodeCode128(text), text};
-  if (!standard_encoding && WritesSetA(internal::Code128Values(text, code_mode_))) {
+  if (standard_encoding) return LinearSymbol{EncodeCode128(text), text};
+  // The values once: the widths come from them, and so does the warning.
+  const std::vector<int32_t> values = internal::Code128Values(text, code_mode_);
+  LinearSymbol symbol{internal::Code128Widths(values), text};
+  if (WritesSetA(values)) {
     Warn(
         "[Code128] Code set A written with the compatibility values: readers decode other text "
         "(the standard encoding writes ISO/IEC 15417's)");
