@@ -107,6 +107,8 @@ TEST(CliTest, EveryTaskReadsBackOrFailsWithOneReason) {
       {"", "pdf417 ''", 1, "[PDF417] Empty data: the symbol would carry nothing"},
       {"", "databar14 ''", 1, "[GS1 DataBar] Empty data: the symbol carries GTIN 00000000000000"},
       {"ab\\0cd", "qr -", 1, "standard input holds a NUL byte at offset 2"},
+      {"\\200\\377\\001", "qr -", 1, "[QR] Text is neither valid UTF-8 nor Shift_JIS: byte 0x80 at offset 0"},
+      {"", "-- code128 -minus", 0, "-minus", Symbology::kCode128},
       {"ab\\0cd", "--binary qr -", 0, std::string("ab\0cd", 5), Symbology::kQRCode},
       {"", "--qr-version 1 qr " + long_text, 1, "[QR] Data too long for version 1: it needs version 4"},
       {"", "--qr-version 4 qr " + long_text, 0, long_text, Symbology::kQRCode},
@@ -141,7 +143,7 @@ TEST(CliTest, EveryTaskReadsBackOrFailsWithOneReason) {
     std::remove(path.c_str());
     const std::string environment =
         (task.input.empty() ? "" : "printf '" + task.input + "' | ") + std::string("BARCODE_ORV_QUIET=1");
-    const RunResult run = RunCli(task.arguments + " -o '" + path + "'", environment);
+    const RunResult run = RunCli("-o '" + path + "' " + task.arguments, environment);
     EXPECT_EQ(run.status, task.status) << task.arguments << ": " << run.out;
     const std::vector<uint8_t> written = ReadFile(path);
     if (task.status != 0) {
@@ -197,6 +199,17 @@ TEST(CliTest, OutputFileExtensionPicksTheFormat) {
   const std::string forced = ::testing::TempDir() + "cli_forced.svg";
   ASSERT_EQ(RunCli("--format png code39 AB -o '" + forced + "'").status, 0);
   EXPECT_EQ(ReadFile(forced)[1], 'P');  // \x89PNG: --format wins over the extension
+}
+
+// SVG text is escaped: a text with markup characters is still one well-formed document.
+TEST(CliTest, SvgTextIsEscaped) {
+  const RunResult svg =
+      RunCli("--format svg --width 900 --text-even-spacing 0 code128 '</text><script>x</script> & \"Tom\"'");
+  ASSERT_EQ(svg.status, 0) << svg.out;
+  EXPECT_EQ(svg.out.find("<script"), std::string::npos);
+  EXPECT_NE(svg.out.find(">&lt;/text&gt;&lt;script&gt;x&lt;/script&gt; &amp; &quot;Tom&quot;</text>"),
+            std::string::npos)
+      << svg.out;
 }
 
 TEST(CliTest, VersionNamesTheTool) { EXPECT_EQ(RunCli("--version").out.rfind("barcode-orv ", 0), 0U); }
