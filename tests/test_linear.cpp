@@ -4,6 +4,7 @@
 // pixels the shared linear painter produces.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <string>
 #include <tuple>
@@ -174,6 +175,45 @@ TEST(LinearRaster, CanvasIsTheBoxAndBarsStartAtTheLeftEdge) {
   EXPECT_EQ(image.Pixel(187, 59), 0x000000FFU);
   EXPECT_EQ(image.Pixel(187, 60), 0xFFFFFFFFU);  // gap under the bars
   EXPECT_EQ(image.Pixel(195, 10), 0xFFFFFFFFU);  // 188 px drawn, the rest is background
+}
+
+// Characters of the text line are rendered once per size and colour and then reused: a
+// picture must not depend on what was drawn before it, and a colour never leaks into the
+// text of another.
+TEST(LinearRaster, TextLineDoesNotDependOnEarlierDraws) {
+  struct Case {
+    int type;
+    const char* text;
+    int height;
+    double font_scale;
+    std::array<int, 4> color;
+  };
+  const std::vector<Case> cases = {
+      {BARCODE_JAN13, "490123456789", 100, 1.0, {0, 0, 0, 255}},
+      {BARCODE_JAN13, "490123456789", 100, 1.0, {255, 0, 0, 255}},
+      {BARCODE_JAN13, "490123456789", 60, 1.0, {255, 0, 0, 255}},
+      {BARCODE_CODE128, "ABC123", 100, 2.0, {255, 0, 0, 128}},
+      {BARCODE_CODE128, "ABC123", 100, 1.0, {0, 0, 0, 255}},
+  };
+  const auto draw = [](const Case& c) {
+    const testing::HandlePtr handle = testing::MakeHandle(c.type);
+    barcode_set_foreground_color(handle.get(), c.color[0], c.color[1], c.color[2], c.color[3]);
+    barcode_set_text_font_scale(handle.get(), c.font_scale);
+    EXPECT_EQ(barcode_draw_1d(handle.get(), c.text, 300, c.height), 1);
+    return testing::DecodePng(testing::ImageData(handle.get()));
+  };
+  std::vector<testing::RgbaImage> forward;
+  for (const Case& c : cases) forward.push_back(draw(c));
+  for (size_t i = cases.size(); i-- > 0;) {
+    SCOPED_TRACE(i);
+    const testing::RgbaImage again = draw(cases[i]);
+    EXPECT_EQ(again.pixels, forward[i].pixels);
+    if (cases[i].color[0] != 255) continue;
+    // Red on white blends to (255, v, v): no pixel of another colour's glyphs.
+    for (int y = 0; y < again.height; ++y) {
+      for (int x = 0; x < again.width; ++x) ASSERT_EQ(again.Pixel(x, y) >> 24, 0xFFU) << x << "," << y;
+    }
+  }
 }
 
 }  // namespace

@@ -460,7 +460,10 @@ BarcodeBase1D::RenderedPiece BarcodeBase1D::RenderPiece(TTF_Font* font, const Te
   int text_h = 0;
   if (estimate <= kMaxTextLinePixels || TTF_SizeUTF8(font, piece.text.c_str(), &text_w, &text_h) != 0 ||
       int64_t{text_w} * text_h <= kMaxTextLinePixels) {
-    rendered.surface.reset(TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
+    // A lone character (the even-spaced line, digits under their modules) comes from the
+    // font's glyph cache.
+    rendered.surface.reset(piece.text.size() == 1 ? font::RenderCharacter(points, piece.text[0], fore_color)
+                                                  : TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
     if (!rendered.surface) {
       rendered.error = SDL_GetError();
       return rendered;

@@ -6,6 +6,9 @@
 
 #include <atomic>
 #include <climits>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <map>
 
 #include "core/log.h"
@@ -21,6 +24,9 @@ namespace {
 constexpr const char* kFontFile = "Roboto-Regular.ttf";
 // Draws use a handful of sizes; beyond this many the cache starts over.
 constexpr size_t kMaxSizedFonts = 16;
+// Rendered characters of every size together; beyond this the glyph caches start over.
+// Digits at the sizes of a text line under bars take a few kilobytes each.
+constexpr size_t kMaxCachedGlyphBytes = size_t{4} << 20;
 
 // Plain flags with constant initialisation: still readable while other objects of static
 // storage are being destroyed.
@@ -32,9 +38,45 @@ bool PathExists(const std::string& path) {
   return ::stat(path.c_str(), &info) == 0;
 }
 
-std::map<int, FontPtr>& SizedFonts() {
-  static std::map<int, FontPtr> fonts;
+// A character and the colour it was rendered in, as one key.
+using GlyphKey = uint64_t;
+GlyphKey KeyOf(char character, SDL_Color color) {
+  return uint64_t{static_cast<uint8_t>(character)} << 32 | uint64_t{color.r} << 24 | uint64_t{color.g} << 16 |
+         uint64_t{color.b} << 8 | color.a;
+}
+
+struct SizedFontEntry {
+  FontPtr font;
+  std::map<GlyphKey, SurfacePtr> glyphs;
+};
+
+std::map<int, SizedFontEntry>& SizedFonts() {
+  static std::map<int, SizedFontEntry> fonts;
   return fonts;
+}
+
+// Bytes of pixels held by every glyph cache.
+size_t cached_glyph_bytes = 0;
+
+void ForgetGlyphs() {
+  for (auto& sized : SizedFonts()) sized.second.glyphs.clear();
+  cached_glyph_bytes = 0;
+}
+
+size_t PixelBytes(const SDL_Surface* surface) { return static_cast<size_t>(surface->pitch) * surface->h; }
+
+// A plain copy of the pixels in a surface of its own. (SDL_DuplicateSurface's copy
+// carries a blit mapping that made blending it onto the canvas slower.)
+SDL_Surface* CopyOf(const SDL_Surface* surface) {
+  SDL_Surface* copy =
+      SDL_CreateRGBSurfaceWithFormat(0, surface->w, surface->h, surface->format->BitsPerPixel, surface->format->format);
+  if (copy == nullptr) return nullptr;
+  const size_t row_bytes = static_cast<size_t>(surface->w) * surface->format->BytesPerPixel;
+  for (int y = 0; y < surface->h; ++y) {
+    std::memcpy(static_cast<uint8_t*>(copy->pixels) + static_cast<ptrdiff_t>(y) * copy->pitch,
+                static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch, row_bytes);
+  }
+  return copy;
 }
 
 // Directory of the file this library was loaded from (the shared or the linking
@@ -100,8 +142,11 @@ std::mutex& Mutex() {
 TTF_Font* SizedFont(const std::string& path, int points) {
   auto& fonts = SizedFonts();
   const auto found = fonts.find(points);
-  if (found != fonts.end()) return found->second.get();
-  if (fonts.size() >= kMaxSizedFonts) fonts.clear();
+  if (found != fonts.end()) return found->second.font.get();
+  if (fonts.size() >= kMaxSizedFonts) {
+    fonts.clear();
+    cached_glyph_bytes = 0;
+  }
   FontPtr opened(TTF_OpenFont(path.c_str(), points));
   if (!opened) {
     log::Error(std::string("TTF_OpenFont error: ") + SDL_GetError());
@@ -109,15 +154,41 @@ TTF_Font* SizedFont(const std::string& path, int points) {
   }
   TTF_SetFontHinting(opened.get(), TTF_HINTING_MONO);
   TTF_Font* font = opened.get();
-  fonts.emplace(points, std::move(opened));
+  fonts.emplace(points, SizedFontEntry{std::move(opened), {}});
   return font;
 }
 
-void CloseSizedFonts() { SizedFonts().clear(); }
+SDL_Surface* RenderCharacter(int points, char character, SDL_Color color) {
+  const auto sized = SizedFonts().find(points);
+  if (sized == SizedFonts().end()) {
+    SDL_SetError("no font open at %d points", points);
+    return nullptr;
+  }
+  auto& glyphs = sized->second.glyphs;
+  const GlyphKey key = KeyOf(character, color);
+  auto found = glyphs.find(key);
+  if (found == glyphs.end()) {
+    const char text[] = {character, '\0'};
+    SurfacePtr rendered(TTF_RenderUTF8_Blended(sized->second.font.get(), text, color));
+    if (!rendered) return nullptr;
+    const size_t bytes = PixelBytes(rendered.get());
+    if (bytes > kMaxCachedGlyphBytes) return rendered.release();
+    if (cached_glyph_bytes + bytes > kMaxCachedGlyphBytes) ForgetGlyphs();
+    cached_glyph_bytes += bytes;
+    found = glyphs.emplace(key, std::move(rendered)).first;
+  }
+  return CopyOf(found->second.get());
+}
+
+void CloseSizedFonts() {
+  SizedFonts().clear();
+  cached_glyph_bytes = 0;
+}
 
 void AbandonSizedFonts() {
-  for (auto& sized : SizedFonts()) (void)sized.second.release();
+  for (auto& sized : SizedFonts()) (void)sized.second.font.release();
   SizedFonts().clear();
+  cached_glyph_bytes = 0;
 }
 
 void CreateSizedFontCache() { (void)SizedFonts(); }

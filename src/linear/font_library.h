@@ -25,6 +25,13 @@ std::mutex& Mutex();
 // Null (after logging) when it cannot be opened. Caller holds Mutex().
 TTF_Font* SizedFont(const std::string& path, int points);
 
+// `character` (one byte) rendered blended in `color` by the sized font at `points`, as
+// TTF_RenderUTF8_Blended renders it: rendered once, then copied from a cache kept with
+// that font, since shaping cannot change a lone character. Each caller gets its own copy
+// (a blit writes into its source surface). Null, with SDL's error set, when rendering
+// fails. Caller holds Mutex() and has opened the font with SizedFont.
+SDL_Surface* RenderCharacter(int points, char character, SDL_Color color);
+
 // Closes every sized font.
 void CloseSizedFonts();
 // Forgets every sized font without closing it: for faces FreeType already freed.
