@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cmath>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -16,6 +17,9 @@
 #include "support/c_api.h"
 #include "support/png_image.h"
 #include "support/samples.h"
+#include "twod/datamatrix.h"
+#include "twod/pdf417.h"
+#include "twod/qr.h"
 
 namespace {
 
@@ -289,6 +293,73 @@ TEST(HardeningTest, TwoThreadsOnOneHandleNeverCorruptIt) {
   EXPECT_EQ(unexplained[0] + unexplained[1], 0);
   EXPECT_EQ(barcode_draw_1d(handle.get(), "AFTER", 300, 100), 1);
   EXPECT_NE(std::string(barcode_get_svg(handle.get())).find("AFTER"), std::string::npos);
+}
+
+}  // namespace
+
+namespace {
+
+// Matrix modules widened far past their neighbours are painted row band by row band on the
+// own canvas; a caller's renderer still gets one rectangle a module. Both give the same
+// pixels, and a widening of 100,000 px costs what the canvas costs.
+TEST(HardeningTest, WidenedMatrixModulesMatchOneRectangleAModule) {
+  struct Case {
+    int type;
+    const char* text;
+    int adjust;
+    int width;
+    int height;
+  };
+  const Case cases[] = {
+      {BARCODE_QR, "widened", 3, 120, 90},
+      {BARCODE_QR, "widened", 7, 200, 200},
+      {BARCODE_QR, "widened", 250, 150, 150},
+      {BARCODE_DATAMATRIX, "widened", 4, 100, 60},
+      {BARCODE_DATAMATRIX, "widened", 33, 90, 90},
+      {BARCODE_PDF417, "widened modules", 5, 300, 120},
+      {BARCODE_PDF417, "widened modules", 60, 250, 100},
+  };
+  for (const Case& c : cases) {
+    for (const int quiet_zone : {0, 1}) {
+      SCOPED_TRACE(std::to_string(c.type) + " adjust " + std::to_string(c.adjust) + " zone " +
+                   std::to_string(quiet_zone));
+      const auto own = MakeHandle(c.type);
+      barcode_set_px_adjust_black(own.get(), c.adjust);
+      barcode_set_quiet_zone(own.get(), quiet_zone);
+      barcode_set_foreground_color(own.get(), 20, 40, 120, 200);
+      ASSERT_EQ(barcode_draw_2d_rect(own.get(), c.text, c.width, c.height), 1);
+      const auto image = DecodePng(ImageData(own.get()));
+
+      std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)> surface(
+          SDL_CreateRGBSurfaceWithFormat(0, c.width, c.height, 32, SDL_PIXELFORMAT_ABGR8888), SDL_FreeSurface);
+      std::unique_ptr<SDL_Renderer, decltype(&SDL_DestroyRenderer)> renderer(SDL_CreateSoftwareRenderer(surface.get()),
+                                                                             SDL_DestroyRenderer);
+      const auto caller = MakeHandle(c.type);
+      std::unique_ptr<barcode_orv::BarcodeBase2D> on_renderer;
+      if (c.type == BARCODE_QR) on_renderer = std::make_unique<barcode_orv::QR>(renderer.get());
+      if (c.type == BARCODE_DATAMATRIX) on_renderer = std::make_unique<barcode_orv::DataMatrix>(renderer.get());
+      if (c.type == BARCODE_PDF417) on_renderer = std::make_unique<barcode_orv::PDF417>(renderer.get());
+      on_renderer->SetPxAdjustBlack(c.adjust);
+      on_renderer->SetQuietZone(quiet_zone != 0);
+      on_renderer->SetForegroundColor(20, 40, 120, 200);
+      const std::string text = c.text;
+      ASSERT_TRUE(on_renderer->Draw(std::vector<uint8_t>(text.begin(), text.end()), 0, 0, c.width, c.height));
+      int differing = 0;
+      for (int y = 0; y < c.height; ++y) {
+        const auto* row = static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch;
+        for (int x = 0; x < c.width; ++x) {
+          const uint8_t* p = row + static_cast<ptrdiff_t>(x) * 4;
+          const uint32_t rgba = (uint32_t{p[0]} << 24) | (uint32_t{p[1]} << 16) | (uint32_t{p[2]} << 8) | p[3];
+          differing += rgba != image.Pixel(x, y) ? 1 : 0;
+        }
+      }
+      EXPECT_EQ(differing, 0);
+    }
+  }
+  // The fuzzer's slow input: a 100,000 px widening on a large PDF417 canvas.
+  const auto huge = MakeHandle(BARCODE_PDF417);
+  barcode_set_px_adjust_black(huge.get(), 100000);
+  EXPECT_EQ(barcode_draw_2d_rect(huge.get(), std::string(300, 'x').c_str(), 3000, 3000), 1);
 }
 
 }  // namespace

@@ -120,6 +120,8 @@ class BarcodeBase : public IBarcodeSymbology {
     int width;
   };
   void FillSpans(const std::vector<Span>& spans, int top, int height, SDL_Color color);
+  // True when draws go to this object's own 32-bit canvas, whose fills replace pixels.
+  bool DrawsOnOwnCanvas() const { return OwnsCanvas(); }
   void ClearCanvas(SDL_Color color);
   // Pixel size of the canvas draws go to; false when there is none.
   bool CanvasExtent(int* width, int* height) const;

@@ -67,6 +67,10 @@ class BarcodeBase2D : public BarcodeBase {
   // Warns when the painted symbol (or its modules, in the standard profile) do not fit.
   void WarnUnlessInside(float symbol_width, float symbol_height, float module_size, int width, int height,
                         int total_cols, int total_rows) const;
+  // Paints modules widened by a positive px_adjust_black larger than a module, on the own
+  // canvas, in time proportional to the canvas.
+  void PaintWidenedModules(const ModuleView& modules, const std::vector<int>& col_edges,
+                           const std::vector<int>& unit_edges, int canvas_height);
   // Presents a caller's renderer; a canvas of our own is kept for the getters.
   void EndRaster(bool on_caller_canvas);
   // One SVG document of width x height with a background and one rectangle a dark module.

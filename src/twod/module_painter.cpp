@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/log.h"
+#include "core/saturate.h"
 #include "twod/barcode_base_2d.h"
 
 namespace barcode_orv {
@@ -113,6 +114,7 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
   WarnAboutThinning(modules);
   WarnUnlessInside(module_width * static_cast<float>(total_cols), module_height * static_cast<float>(total_rows),
                    std::min(module_width, module_height), width, height, total_cols, total_rows);
+  const int canvas_height = y + height;  // the own canvas is the whole box
   if (quiet_zone) {
     x += static_cast<int>(std::floor((static_cast<float>(width) - module_width * static_cast<float>(total_cols)) / 2));
     y +=
@@ -121,6 +123,13 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
 
   const std::vector<int> col_edges = RoundedEdges(x, module_width, modules.cols, quiet);
   const std::vector<int> unit_edges = RoundedEdges(y, module_height, modules.module_rows(), quiet);
+  // Modules widened past their neighbours overlap many times over: painted one by one
+  // they would cost the canvas area for every dark module.
+  const float smaller_module = std::min(module_width, module_height);
+  if (px_adjust_black > 0 && static_cast<float>(px_adjust_black) > smaller_module && DrawsOnOwnCanvas()) {
+    PaintWidenedModules(modules, col_edges, unit_edges, canvas_height);
+    return true;
+  }
   std::vector<Span> spans;
   for (int row = 0; row < modules.rows; ++row) {
     const int top = unit_edges[static_cast<size_t>(row) * modules.row_height];
@@ -146,6 +155,51 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
     }
   }
   return true;
+}
+
+void BarcodeBase2D::PaintWidenedModules(const ModuleView& modules, const std::vector<int>& col_edges,
+                                        const std::vector<int>& unit_edges, int canvas_height) {
+  // The same pixels as one rectangle a dark module, [left, right + adjust) x [top, bottom
+  // + adjust), painted pixel row by pixel row: the module rows whose rectangles reach a
+  // pixel row form a window that only moves down, and a column is dark in that row when
+  // any module of the window is dark in it. Fills replace pixels, so overlaps cost nothing.
+  const int64_t adjust = px_adjust_black;
+  auto row_top = [&](int row) { return int64_t{unit_edges[static_cast<size_t>(row) * modules.row_height]}; };
+  auto row_end = [&](int row) {
+    return int64_t{unit_edges[static_cast<size_t>(row + 1) * modules.row_height]} + adjust;
+  };
+  std::vector<int> dark_in_window(static_cast<size_t>(modules.cols), 0);
+  auto count_row = [&](int row, int step) {
+    for (int col = 0; col < modules.cols; ++col) {
+      if (modules.dark(col, row)) dark_in_window[static_cast<size_t>(col)] += step;
+    }
+  };
+  std::vector<Span> spans;
+  int first = 0;  // the window: module rows first .. last - 1
+  int last = 0;
+  int64_t y = std::max<int64_t>(row_top(0), 0);
+  const int64_t end = std::min<int64_t>(row_end(modules.rows - 1), canvas_height);
+  while (y < end) {
+    while (last < modules.rows && row_top(last) <= y) count_row(last++, 1);
+    while (first < last && row_end(first) <= y) count_row(first++, -1);
+    // The window stays the same until a row enters or one leaves.
+    int64_t next = end;
+    if (last < modules.rows) next = std::min(next, row_top(last));
+    if (first < last) next = std::min(next, row_end(first));
+    spans.clear();
+    for (int col = 0; col < modules.cols; ++col) {
+      if (dark_in_window[static_cast<size_t>(col)] == 0) continue;
+      const int64_t from = col_edges[static_cast<size_t>(col)];
+      const int64_t to = int64_t{col_edges[static_cast<size_t>(col) + 1]} + adjust;
+      if (!spans.empty() && from <= int64_t{spans.back().x} + spans.back().width) {
+        spans.back().width = ClampToInt(std::max(int64_t{spans.back().x} + spans.back().width, to) - spans.back().x);
+      } else {
+        spans.push_back(Span{static_cast<int>(from), ClampToInt(to - from)});
+      }
+    }
+    FillSpans(spans, static_cast<int>(y), ClampToInt(next - y), fore_color);
+    y = next;
+  }
 }
 
 void BarcodeBase2D::EndRaster(bool on_caller_canvas) {
