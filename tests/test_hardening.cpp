@@ -14,6 +14,7 @@
 #include "api/ffi_internal.h"
 #include "barcode_ffi.h"
 #include "core/barcode_base.h"
+#include "linear/yubin_customer.h"
 #include "support/c_api.h"
 #include "support/png_image.h"
 #include "support/samples.h"
@@ -360,6 +361,44 @@ TEST(HardeningTest, WidenedMatrixModulesMatchOneRectangleAModule) {
   const auto huge = MakeHandle(BARCODE_PDF417);
   barcode_set_px_adjust_black(huge.get(), 100000);
   EXPECT_EQ(barcode_draw_2d_rect(huge.get(), std::string(300, 'x').c_str(), 3000, 3000), 1);
+}
+
+}  // namespace
+
+namespace {
+
+// Japan Post bars wider than their pitch are merged into spans on the own canvas: the same
+// pixels as one rectangle a bar on a caller's renderer, at any widening.
+TEST(HardeningTest, OverlappingJapanPostBarsMatchOneRectangleABar) {
+  for (const int adjust : {4, 9, 57, 100000}) {
+    for (const int height : {18, 31}) {
+      SCOPED_TRACE("adjust " + std::to_string(adjust) + " height " + std::to_string(height));
+      const auto own = MakeHandle(BARCODE_YUBIN_CUSTOMER);
+      barcode_set_px_adjust_black(own.get(), adjust);
+      ASSERT_EQ(barcode_draw_yubin(own.get(), "1060032-3-2-5", height), 1);
+      const auto image = DecodePng(ImageData(own.get()));
+      std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)> surface(
+          SDL_CreateRGBSurfaceWithFormat(0, image.width, image.height, 32, SDL_PIXELFORMAT_ABGR8888), SDL_FreeSurface);
+      std::unique_ptr<SDL_Renderer, decltype(&SDL_DestroyRenderer)> renderer(SDL_CreateSoftwareRenderer(surface.get()),
+                                                                             SDL_DestroyRenderer);
+      SDL_SetRenderDrawColor(renderer.get(), 255, 255, 255, 255);
+      SDL_RenderClear(renderer.get());
+      barcode_orv::YubinCustomer on_renderer(renderer.get());
+      on_renderer.SetPxAdjustBlack(adjust);
+      ASSERT_TRUE(on_renderer.Draw("1060032-3-2-5", 0, 0, height));
+      int differing = 0;
+      for (int y = 0; y < image.height; ++y) {
+        const auto* row = static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch;
+        for (int x = 0; x < image.width; ++x) {
+          const uint8_t* p = row + static_cast<ptrdiff_t>(x) * 4;
+          differing +=
+              ((uint32_t{p[0]} << 24) | (uint32_t{p[1]} << 16) | (uint32_t{p[2]} << 8) | p[3]) != image.Pixel(x, y) ? 1
+                                                                                                                    : 0;
+        }
+      }
+      EXPECT_EQ(differing, 0);
+    }
+  }
 }
 
 }  // namespace

@@ -120,6 +120,10 @@ class BarcodeBase : public IBarcodeSymbology {
     int width;
   };
   void FillSpans(const std::vector<Span>& spans, int top, int height, SDL_Color color);
+  // Fills the whole pixels [left, right) x [top, bottom), clipped to the canvas.
+  void FillPixels(double left, double top, double right, double bottom, SDL_Color color) {
+    FillClipped(left, top, right, bottom, color);
+  }
   // True when draws go to this object's own 32-bit canvas, whose fills replace pixels.
   bool DrawsOnOwnCanvas() const { return OwnsCanvas(); }
   void ClearCanvas(SDL_Color color);

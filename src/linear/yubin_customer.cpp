@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string_view>
 
 #include "core/log.h"
@@ -140,9 +141,53 @@ void YubinCustomer::WriteBar(const std::string& bar, float x) {
 
 void YubinCustomer::WriteBars(const std::string& bars, float x) {
   const float pitch = bar_full_height_ / 3.0F;
+  const float width = std::max(bar_full_height_ / 6.0F + static_cast<float>(px_adjust_black), 1.0F);
+  if (!writing_svg_ && width > pitch && DrawsOnOwnCanvas()) {
+    WriteOverlappingBars(bars, x, pitch, width);
+    return;
+  }
   for (const char bar : bars) {
     WriteBar(std::string(1, bar), x);
     x += pitch;
+  }
+}
+
+void YubinCustomer::WriteOverlappingBars(const std::string& bars, float x, float pitch, float width) {
+  // Bars wider than their pitch overlap; painted one by one, a huge px_adjust_black would
+  // cost the canvas area for every bar. The same pixels come from merging, for each of the
+  // four bar shapes, the pixel spans FillRectF would snap each bar to (fills replace
+  // pixels on the own canvas, so overlaps never showed).
+  const float h = bar_full_height_;
+  struct Shape {
+    char bar;
+    float top;
+    float height;
+  };
+  const Shape shapes[] = {{'1', bar_top_, h},
+                          {'2', bar_top_, 2.0F * h / 3.0F},
+                          {'3', bar_top_ + h / 3.0F, 2.0F * h / 3.0F},
+                          {'4', bar_top_ + h / 3.0F, h / 3.0F}};
+  for (const Shape& shape : shapes) {
+    const double top = std::round(static_cast<double>(shape.top));
+    const double bottom = std::max(std::round(static_cast<double>(shape.top) + shape.height), top + 1.0);
+    double span_left = 0.0;
+    double span_right = -1.0;  // no span yet
+    float at = x;
+    for (const char bar : bars) {
+      if (bar == shape.bar) {
+        const double left = std::round(static_cast<double>(at));
+        const double right = std::max(std::round(static_cast<double>(at) + width), left + 1.0);
+        if (span_right >= 0.0 && left <= span_right) {
+          span_right = std::max(span_right, right);
+        } else {
+          if (span_right >= 0.0) FillPixels(span_left, top, span_right, bottom, fore_color);
+          span_left = left;
+          span_right = right;
+        }
+      }
+      at += pitch;
+    }
+    if (span_right >= 0.0) FillPixels(span_left, top, span_right, bottom, fore_color);
   }
 }
 

@@ -50,6 +50,8 @@ class YubinCustomer : public BarcodeBase1D {
   int QuietZoneWidth(int h) const;
   int CanvasWidth(int h) const;
   void WriteBars(const std::string& bars, float x);
+  // The raster bars when they are wider than their pitch, merged into spans.
+  void WriteOverlappingBars(const std::string& bars, float x, float pitch, float width);
 
   float bar_full_height_ = 0.0F;  // H
   float bar_top_ = 0.0F;          // y
