@@ -13,7 +13,7 @@
 #include "barcode_ffi.h"
 #include "linear/code128_iso.h"
 #include "linear/gs1_128.h"
-#include "linear/gs1_element_string.h"
+#include "gs1/gs1_element_string.h"
 #include "support/c_api.h"
 
 namespace barcode_orv {

@@ -11,7 +11,7 @@
 #include "core/errors.h"
 #include "databar/databar14.h"
 #include "databar/databar_expanded.h"
-#include "databar/gtin_check_digit.h"
+#include "gs1/gtin_check_digit.h"
 #include "linear/barcode_base_1d.h"
 #include "linear/ean_upc.h"
 #include "linear/gs1_128.h"

@@ -10,7 +10,7 @@
 
 #include "databar/databar_base.h"
 #include "databar/databar_common.h"
-#include "linear/gs1_element_string.h"
+#include "gs1/gs1_element_string.h"
 
 namespace barcode_orv {
 

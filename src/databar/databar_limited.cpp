@@ -7,7 +7,7 @@
 #include "core/log.h"
 #include "databar/databar_common.h"
 #include "databar/databar_tables.h"
-#include "databar/gtin_check_digit.h"
+#include "gs1/gtin_check_digit.h"
 
 namespace barcode_orv {
 namespace internal {

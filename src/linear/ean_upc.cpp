@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "databar/gtin_check_digit.h"
+#include "gs1/gtin_check_digit.h"
 
 namespace barcode_orv {
 namespace internal {
@@ -274,7 +274,7 @@ BarcodeBase1D::LinearSymbol EanUpcBarcode::Encode(const std::string& text) const
   symbol.display_text = code.add_on.empty() ? d : d + " " + code.add_on;
   internal::Assemble(kind_, code, extended, &symbol.widths, &symbol.reach);
   symbol.font_cap_modules = internal::kFontCapModules;
-  // Quiet zones of the GS1 General Specifications (in modules): EAN-13 11 and 7, EAN-8 7
+  // Quiet zones of the GS1 barcode rules, section 5.2 (in modules): EAN-13 11 and 7, EAN-8 7
   // and 7, UPC-A 9 and 9, UPC-E 9 and 7; an add-on ends with 5.
   static constexpr int32_t kQuietLeft[] = {7, 11, 9, 9};  // by EanUpcKind
   static constexpr int32_t kQuietRight[] = {7, 7, 9, 7};

@@ -1,4 +1,4 @@
-// The EAN/UPC family (ISO/IEC 15420, GS1 General Specifications): JAN-8 (EAN-8), JAN-13
+// The EAN/UPC family (ISO/IEC 15420, GS1 barcode rules, section 5.2): JAN-8 (EAN-8), JAN-13
 // (EAN-13), UPC-A and UPC-E, with the EAN-2 and EAN-5 add-ons and extended guard bars.
 // One encoder and one drawing class serve all four; Jan8, Jan13, UpcA and UpcE only name
 // their kind.

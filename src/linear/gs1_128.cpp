@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "databar/gtin_check_digit.h"
+#include "gs1/gtin_check_digit.h"
 #include "linear/code128.h"
 #include "linear/code128_iso.h"
 

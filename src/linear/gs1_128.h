@@ -1,5 +1,5 @@
 // GS1-128: a GS1 element string in Code 128 with FNC1 in first position (ISO/IEC 15417,
-// GS1 General Specifications), and the Japanese convenience-store payment layout.
+// GS1 barcode rules, section 5.4), and the Japanese convenience-store payment layout.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "linear/barcode_base_1d.h"
-#include "linear/gs1_element_string.h"
+#include "gs1/gs1_element_string.h"
 
 namespace barcode_orv {
 

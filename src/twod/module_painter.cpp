@@ -56,7 +56,7 @@ std::vector<float> SteppedEdges(float module_size, int modules) {
 
 SDL_Renderer* BarcodeBase2D::PrepareCanvas(int x, int y, int width, int height) {
   if (GetOutputFormat().empty()) {
-    log::Progress("エラー: 描画コンテキストが指定されていません (m_canvas も m_format も無効)。");
+    log::Reason("エラー: 描画先がありません (キャンバスも出力形式も指定されていません)。");
     return nullptr;
   }
   // The root class prepares the canvas; the 2D text overload must not run here.
@@ -65,7 +65,7 @@ SDL_Renderer* BarcodeBase2D::PrepareCanvas(int x, int y, int width, int height) 
     return nullptr;
   }
   if (canvas_surface() == nullptr) {
-    log::Progress("エラー: BarcodeBase::Draw の後で有効な描画サーフェス (m_surface) がありません。");
+    log::Reason("エラー: 描画サーフェスを準備できませんでした。");
     return nullptr;
   }
   if (canvas_renderer() == nullptr) {

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "linear/gs1_ai_table.h"
+#include "gs1/gs1_ai_table.h"
 
 namespace barcode_orv::internal {
 
@@ -41,7 +41,7 @@ std::string Gs1HumanReadable(const std::vector<Gs1Element>& elements);
 // FNC1 of the symbol) after every variable-length element that is not the last.
 std::string Gs1Concatenated(const std::vector<Gs1Element>& elements, char separator = '\x1D');
 
-// The check-character pair of CSET 82 data (GS1 General Specifications; rule in gs1_charsets.json).
+// The check-character pair of CSET 82 data (GS1 barcode rules, section 7.9.5; rule in gs1_charsets.json).
 std::string Gs1CheckPair(std::string_view data);
 
 }  // namespace barcode_orv::internal

@@ -1,10 +1,10 @@
-#include "linear/gs1_element_string.h"
+#include "gs1/gs1_element_string.h"
 
 #include <algorithm>
 #include <array>
 #include <stdexcept>
 
-#include "databar/gtin_check_digit.h"
+#include "gs1/gtin_check_digit.h"
 
 namespace barcode_orv::internal {
 namespace {

@@ -1,4 +1,4 @@
-#include "databar/gtin_check_digit.h"
+#include "gs1/gtin_check_digit.h"
 
 #include <stdexcept>
 
