@@ -126,6 +126,31 @@ BARCODE_API void barcode_set_quiet(int on);
  * module fails the draw ("[Code128] Box too small: 620 px needed"). 0 (default): no
  * quiet zone, the symbol at the box's left (top-left for 2D) edge. Raster and SVG. */
 BARCODE_API void barcode_set_quiet_zone(BarcodeHandle* handle, int on);
+
+/* ---- Print size and orientation (off by default) ---- */
+
+/* Physical size: modules of round(mm x dpi / 25.4) pixels, never below 1 (0.33 mm at 300
+ * dpi: 4 px). Every later draw takes the symbol's natural size: its modules at that width,
+ * its quiet zones when they are on, bars as tall as the symbology's standard asks (EAN-13
+ * 22.85 mm at 0.33 mm, EAN-8 18.23 mm, DataBar 33, Limited 10 and Expanded 34 modules a
+ * row, 50 modules where no standard says; 2D symbols square modules; Japan Post bars 6
+ * modules). The box given to a draw is then a bound: a
+ * smaller box fails with the size it needs ("[QR] Box too small for the X-dimension:
+ * 116x116 px needed"), a larger one gets the natural size, and a side of 0 asks for it. PNG
+ * files carry the resolution (pHYs), SVG documents their width and height in mm. mm 0
+ * turns it off. Returns 1, or 0 with the reason in barcode_get_last_error for mm outside
+ * (0, 100], dpi outside 1..10000 or modules above 100 px. */
+BARCODE_API int barcode_set_xdim(BarcodeHandle* handle, double mm, int dpi);
+/* The box (width x height in pixels, as the picture comes out, rotation included) that
+ * the symbol of `text` takes at the X-dimension (1 px a module when none is set). Returns
+ * 1, or 0 with the reason in barcode_get_last_error (text the symbology refuses). Draws nothing; the last picture
+ * stays. */
+BARCODE_API int barcode_measure(BarcodeHandle* handle, const char* text, int* width, int* height);
+/* Turns the finished picture 0, 90, 180 or 270 degrees clockwise, raster and SVG, the
+ * text line with it. The box of a draw is the symbol's before the turn: a quarter turn of
+ * a 300 x 100 draw gives a 100 x 300 picture. Returns 1, or 0 (nothing changed) for any
+ * other angle. */
+BARCODE_API int barcode_set_rotation(BarcodeHandle* handle, int degrees);
 /* 1: write the standard form where the library keeps a compatibility behaviour by
  * default: Code 128 code set A with its ISO/IEC 15417 values (fixed set A, and the
  * automatic mode, which then also uses shifts), Matrix 2 of 5 with its published

@@ -68,6 +68,8 @@ struct RoundTripRow {
   int module_pixels = 0;  // matrix and stacked rows: draw at the symbol's own shape, this
                           // many pixels a module (the box is then ignored)
   bool binary = false;    // the payload's bytes go through the class's byte entry point
+  bool at_xdim = false;   // the setup sets an X-dimension: the box is 0 x 0 (the natural size)
+  bool turned = false;    // the setup may turn the picture a quarter turn
 };
 
 std::function<Box(const std::string&, Rng&, int)> LinearBox(std::function<int(size_t length)> modules) {
@@ -252,6 +254,26 @@ Box NaturalBox(BarcodeHandle* handle, const std::string& text, int pixels) {
   return {pixels * modules.cols(), pixels * modules.rows() * pdf417.GetYHeight()};
 }
 
+// Code 128, JAN-13, DataBar and QR at X-dimensions from 0.17 to 0.5 mm at 200 to 600 dpi,
+// in every orientation: the box is the natural size, the modules whole pixels.
+RoundTripRow PrintRow(const char* name, int type, Symbology reader, RoundTripRow::Payload payload,
+                      RoundTripRow::Expected expected = nullptr) {
+  RoundTripRow row{name,
+                   type,
+                   reader,
+                   24,
+                   std::move(payload),
+                   [](BarcodeHandle* h, int i) {
+                     ASSERT_EQ(barcode_set_xdim(h, 0.17 + 0.03 * (i % 12), 200 + 200 * (i % 3)), 1);
+                     ASSERT_EQ(barcode_set_rotation(h, 90 * (i % 4)), 1);
+                   },
+                   Fixed(0, 0)};
+  row.expected = std::move(expected);
+  row.at_xdim = true;
+  row.turned = true;
+  return row;
+}
+
 std::vector<RoundTripRow> Rows() {
   std::string printable(95, ' ');
   std::iota(printable.begin(), printable.end(), ' ');
@@ -386,6 +408,17 @@ std::vector<RoundTripRow> Rows() {
                 barcode_set_aspect_ratio(h, 0.5 * (1 + i % 10));
                 barcode_set_y_height(h, 3 + i % 4);
               }),
+      PrintRow("Code 128 at an X-dimension, turned", BARCODE_CODE128, Symbology::kCode128, From(kLower, 20)),
+      PrintRow("JAN-13 at an X-dimension, turned", BARCODE_JAN13, Symbology::kEAN13,
+               [](Rng& rng, int) {
+                 const std::string digits = Random(rng, kDigits, 12, 12);
+                 return digits + Mod10(digits);
+               }),
+      PrintRow(
+          "DataBar at an X-dimension, turned", BARCODE_GS1_DATABAR_14, Symbology::kDataBar,
+          [](Rng& rng, int) { return Random(rng, kDigits, 13, 13); },
+          [](const std::string& text) { return text + barcode_calculate_check_digit_14(text.c_str()); }),
+      PrintRow("QR Code at an X-dimension, turned", BARCODE_QR, Symbology::kQRCode, From(printable, 60)),
   };
 }
 
@@ -393,26 +426,44 @@ void PrintTo(const RoundTripRow& row, std::ostream* out) { *out << row.name; }
 
 class RoundTripTest : public ::testing::TestWithParam<RoundTripRow> {};
 
+// Payload `index` of a row on a fresh handle with the row's settings (after the standard
+// profile when asked), what the reader must return, and the box to draw it in.
+struct Trial {
+  std::string text;
+  std::string expected;
+  Box box;
+  testing::HandlePtr handle;
+};
+
+Trial Prepare(const RoundTripRow& row, Rng& rng, int index, bool standard) {
+  Trial trial{row.payload(rng, index), {}, {}, testing::MakeHandle(row.type)};
+  EXPECT_NE(trial.handle, nullptr);
+  if (standard) barcode_set_standard(trial.handle.get(), 1);
+  if (row.setup) row.setup(trial.handle.get(), index);
+  trial.expected = row.expected ? row.expected(trial.text) : trial.text;
+  trial.box = row.box(trial.text, rng, index);
+  if (row.module_pixels > 0) trial.box = NaturalBox(trial.handle.get(), trial.expected, row.module_pixels);
+  return trial;
+}
+
 TEST_P(RoundTripTest, EveryPayloadScans) {
   const RoundTripRow& row = GetParam();
   Rng rng(static_cast<unsigned>(row.type) * 7919U + static_cast<unsigned>(row.payloads));
   int decoded = 0;
   for (int i = 0; i < row.payloads; ++i) {
-    const std::string text = row.payload(rng, i);
-    testing::HandlePtr handle = testing::MakeHandle(row.type);
-    ASSERT_NE(handle, nullptr);
-    if (row.setup) row.setup(handle.get(), i);
-    const std::string expected = row.expected ? row.expected(text) : text;
-    Box box = row.box(text, rng, i);
-    if (row.module_pixels > 0) box = NaturalBox(handle.get(), expected, row.module_pixels);
+    const Trial trial = Prepare(row, rng, i, false);
+    const std::string& text = trial.text;
+    const std::string& expected = trial.expected;
+    const Box box = trial.box;
+    BarcodeHandle* handle = trial.handle.get();
     if (row.binary) {
-      auto& object = dynamic_cast<BarcodeBase2D&>(*handle->object);
+      auto& object = dynamic_cast<BarcodeBase2D&>(*trial.handle->object);
       ASSERT_TRUE(object.Draw(std::vector<uint8_t>(text.begin(), text.end()), 0, 0, box.width, box.height));
     } else {
-      ASSERT_EQ(row.draw(handle.get(), text.c_str(), box.width, box.height), 1)
-          << text << ": " << barcode_get_last_error(handle.get());
+      ASSERT_EQ(row.draw(handle, text.c_str(), box.width, box.height), 1)
+          << text << ": " << barcode_get_last_error(handle);
     }
-    const testing::Decoded result = testing::DecodeHandle(handle.get(), row.reader);
+    const testing::Decoded result = testing::DecodeHandle(handle, row.reader, row.turned);
     const std::string& got = row.compare_bytes ? result.bytes : result.text;
     EXPECT_TRUE(result.ok && got == expected)
         << "payload " << i << " '" << text << "' in " << box.width << "x" << box.height << " read '" << got << "' as "
@@ -430,22 +481,20 @@ TEST_P(RoundTripTest, StandardProfileReadsBackOrRefuses) {
   Rng rng(static_cast<unsigned>(row.type) * 104729U + static_cast<unsigned>(row.payloads));
   int decoded = 0;
   for (int i = 0; i < row.payloads; ++i) {
-    const std::string text = row.payload(rng, i);
-    testing::HandlePtr handle = testing::MakeHandle(row.type);
-    barcode_set_standard(handle.get(), 1);
-    if (row.setup) row.setup(handle.get(), i);
-    const std::string expected = row.expected ? row.expected(text) : text;
-    Box box = row.module_pixels > 0 ? NaturalBox(handle.get(), expected, row.module_pixels) : row.box(text, rng, i);
-    box = {box.width * 3 / 2 + 60, box.height * 3 / 2 + 20};
-    const int drawn = row.binary
-                          ? barcode_draw_2d_bytes(handle.get(), reinterpret_cast<const unsigned char*>(text.data()),
-                                                  text.size(), box.width, box.height)
-                          : row.draw(handle.get(), text.c_str(), box.width, box.height);
+    const Trial trial = Prepare(row, rng, i, true);
+    const std::string& text = trial.text;
+    const std::string& expected = trial.expected;
+    BarcodeHandle* handle = trial.handle.get();
+    // Room for the quiet zones the profile adds (the natural size has them already).
+    const Box box = row.at_xdim ? trial.box : Box{trial.box.width * 3 / 2 + 60, trial.box.height * 3 / 2 + 20};
+    const int drawn = row.binary ? barcode_draw_2d_bytes(handle, reinterpret_cast<const unsigned char*>(text.data()),
+                                                         text.size(), box.width, box.height)
+                                 : row.draw(handle, text.c_str(), box.width, box.height);
     if (drawn == 0) {
-      EXPECT_STRNE(barcode_get_last_error(handle.get()), "") << "refused without a reason: '" << text << "'";
+      EXPECT_STRNE(barcode_get_last_error(handle), "") << "refused without a reason: '" << text << "'";
       continue;
     }
-    const testing::Decoded result = testing::DecodeHandle(handle.get(), row.reader);
+    const testing::Decoded result = testing::DecodeHandle(handle, row.reader, row.turned);
     const std::string& got = row.compare_bytes || row.binary ? result.bytes : result.text;
     EXPECT_TRUE(result.ok && got == expected)
         << "payload " << i << " '" << text << "' in " << box.width << "x" << box.height << " read '" << got << "'";

@@ -128,7 +128,10 @@ struct Request {
   bool binary = false;  // standard input drawn as raw bytes (2D symbologies)
   std::string output;
   int width = 300;
+  bool width_given = false;
   std::optional<int> height;
+  std::optional<double> xdim;  // millimetres; the box is then the symbol's natural size
+  int dpi = 300;
   std::optional<int> size;
   std::string draw;
   // Setters to run on the handle, in command-line order.
@@ -240,7 +243,14 @@ const std::vector<Section>& Sections() {
            {"--data-uri", nullptr, "write the base64 data URI instead of the PNG bytes", {}, Flag([](Request& r) {
               r.data_uri = true;
             })},
-           {"--width", "N", "box width in pixels (default 300)", {}, BoxValue(&Request::width)},
+           {"--width",
+            "N",
+            "box width in pixels (default 300; with --xdim: the natural width)",
+            {},
+            [](Request& r, const std::string& o, const std::string& v) {
+              BoxValue (&Request::width)(r, o, v);
+              r.width_given = true;
+            }},
            {"--height",
             "N",
             "box height in pixels (default 100; 2D symbols: the width)",
@@ -282,6 +292,25 @@ const std::vector<Section>& Sections() {
             "the standard profile (the default): only symbols that read back as the text",
             {},
             Flag([](Request& r) { r.compat = false; })},
+           {"--xdim",
+            "MM",
+            "module width in millimetres at --dpi: the picture takes the symbol's natural size",
+            {},
+            [](Request& r, const std::string& o, const std::string& v) { r.xdim = ParseDouble(o, v); }},
+           {"--dpi",
+            "N",
+            "resolution for --xdim (default 300)",
+            {},
+            [](Request& r, const std::string& o, const std::string& v) { r.dpi = ParseInt(o, v, 1, 10000); }},
+           {"--rotate",
+            "DEG",
+            "turn the picture 0, 90, 180 or 270 degrees clockwise",
+            {},
+            [](Request& r, const std::string& o, const std::string& v) {
+              CheckKeyword(o, v, {"0", "90", "180", "270"});
+              const int degrees = std::stoi(v);
+              r.options.emplace_back([degrees](BarcodeHandle* h) { barcode_set_rotation(h, degrees); });
+            }},
            {"--fg",
             "R,G,B[,A]",
             "foreground colour (default 0,0,0,255)",
@@ -430,6 +459,7 @@ constexpr Example kExamples[] = {
     {16, "head -c 64 /dev/urandom | barcode-orv --binary qr - -o bytes.png"},
     {17, "barcode-orv datamatrix 'Data Matrix' --data-uri"},
     {2, "barcode-orv --compat code128 ABC123 -o legacy.png"},
+    {8, "barcode-orv --xdim 0.33 --dpi 300 jan13 490123456789 -o jan13-print.png"},
 };
 
 void PrintHelp() {
@@ -577,9 +607,15 @@ std::string DefaultDrawKind(int type) {
   return "1d";
 }
 
-int Draw(BarcodeHandle* handle, const Request& request) {
+int Draw(BarcodeHandle* handle, Request request) {
   const std::string kind = request.draw.empty() ? DefaultDrawKind(request.type) : request.draw;
   const bool two_d = request.type >= BARCODE_QR;
+  if (request.xdim) {
+    // The symbol's natural size on every side not given (0 asks the library for it).
+    if (!request.width_given) request.width = 0;
+    request.height = request.height.value_or(0);
+    request.size = request.size.value_or(request.width);
+  }
   const int height = request.height.value_or(two_d ? request.width : 100);
   const int size = request.size.value_or(request.width);
   const char* text = request.text.c_str();
@@ -650,6 +686,9 @@ int Run(const Request& request) {
   barcode_set_standard(handle.get(), request.compat ? 0 : 1);
   barcode_set_throw_on_capacity_error(handle.get(), 0);  // reported, never an abort
   for (const auto& option : request.options) option(handle.get());
+  if (request.xdim && barcode_set_xdim(handle.get(), *request.xdim, request.dpi) == 0) {
+    throw UsageError{barcode_get_last_error(handle.get())};
+  }
   if (Draw(handle.get(), request) == 0) {
     const std::string reason = barcode_get_last_error(handle.get());
     throw Refusal{reason.empty() ? "the library drew nothing and gave no reason" : reason};

@@ -128,8 +128,13 @@ int GuardDraw(BarcodeHandle* handle, Body&& body) {
   if (!entry.entered()) return 0;
   const log::ReasonCapture capture;
   handle->object->ResetWarning();
+  BarcodeBase& object = *handle->object;
   try {
-    if (body()) return RefuseOrAccept(handle);
+    if (body()) {
+      if (RefuseOrAccept(handle) == 0) return 0;
+      object.FinishOutput();
+      return 1;
+    }
     if (capture.last().empty()) return Fail(handle, "Draw failed", false);
     return Fail(handle, capture.last(), capture.last_printed());
   } catch (const SymbolCapacityError& error) {

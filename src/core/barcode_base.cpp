@@ -335,7 +335,9 @@ std::vector<uint8_t> BarcodeBase::SaveSurfaceToMemory(SDL_Surface* surface, PngE
 
 std::vector<uint8_t> BarcodeBase::GetImageMemory() {
   if (SDL_Renderer* renderer = canvas_renderer()) SDL_RenderPresent(renderer);
-  return SaveSurfaceToMemory(surface_.get(), &png_encoder_);
+  std::vector<uint8_t> png = SaveSurfaceToMemory(surface_.get(), &png_encoder_);
+  InsertPngResolution(&png, dpi_);
+  return png;
 }
 
 std::string BarcodeBase::GetImageBase64() {
@@ -344,7 +346,8 @@ std::string BarcodeBase::GetImageBase64() {
   }
   try {
     if (SDL_Renderer* renderer = canvas_renderer()) SDL_RenderPresent(renderer);
-    const std::vector<uint8_t> png = SaveSurfaceToMemory(surface_.get(), &png_encoder_);
+    std::vector<uint8_t> png = SaveSurfaceToMemory(surface_.get(), &png_encoder_);
+    InsertPngResolution(&png, dpi_);
     // The canvas is consumed: a data URI is fetched once per draw.
     ReleaseCanvas();
     if (png.empty()) return GetFallbackImage();
@@ -423,6 +426,7 @@ void BarcodeBase::SvgBegin(int width, int height) {
   svg_ += ' ';
   AppendInt(svg_, height);
   svg_ += "\">\n";
+  svg_body_ = svg_.size();
 }
 
 void BarcodeBase::SvgRect(float x, float y, float width, float height, SDL_Color color) {
@@ -443,6 +447,20 @@ void BarcodeBase::SvgRect(float x, float y, float width, float height, SDL_Color
     svg_ += '"';
   }
   svg_ += "/>\n";
+}
+
+void BarcodeBase::SvgPath(const std::string& d, SDL_Color color) {
+  svg_ += "  <path d=\"";
+  svg_ += d;
+  svg_ += "\" fill=\"";
+  svg_ += ColorToRgbString(color);
+  svg_ += '"';
+  if (color.a < 255) {
+    svg_ += " fill-opacity=\"";
+    AppendFixed(color.a / 255.0);
+    svg_ += '"';
+  }
+  svg_ += " shape-rendering=\"crispEdges\"/>\n";
 }
 
 void BarcodeBase::SvgText(float x, float y, const std::string& text, int font_size, SDL_Color color,

@@ -85,6 +85,28 @@ class BarcodeBase : public IBarcodeSymbology {
   SDL_Color GetForegroundColor() const { return fore_color; }
   SDL_Color GetBackgroundColor() const { return back_color; }
 
+  // ---- Print size and orientation, both off by default ----
+  // Modules of round(mm x dpi / 25.4) pixels, never below 1 (X-dimension mm at dpi): the
+  // picture then takes the symbol's natural size, PNG carries the resolution and SVG its
+  // size in millimetres. mm == 0 turns it off. False (nothing changed) for mm outside
+  // (0, 100] or not a number, dpi outside 1..10000, or modules above kMaxModulePixels.
+  bool SetXDim(double mm, int dpi);
+  static constexpr int kMaxModulePixels = 100;
+  int GetModulePixels() const { return module_pixels_; }  // 0: no X-dimension
+  double GetXDimMm() const { return xdim_mm_; }
+  int GetDpi() const { return dpi_; }
+  // 0, 90, 180 or 270 degrees clockwise, applied to the finished picture (a quarter turn
+  // swaps its width and height); false for any other value, leaving it as it was.
+  bool SetRotation(int degrees);
+  int GetRotation() const { return quarter_turns_ * 90; }
+  // The box the symbol of `text` takes at the X-dimension (a pixel a module without one),
+  // quiet zones included when they are on. False when the text cannot be encoded or the
+  // symbology has no natural size; the reason then is the draw's.
+  bool Measure(const std::string& text, int* width, int* height);
+  // Turns the picture of a successful draw and marks its physical size: called once after
+  // each successful draw, before its results are collected.
+  void FinishOutput();
+
   // Why a raster canvas of width x height cannot be made, or "" when it can (sizes that
   // are not positive are left to SDL).
   static std::string CanvasSizeProblem(int width, int height);
@@ -133,6 +155,17 @@ class BarcodeBase : public IBarcodeSymbology {
   // at (left, top), clipped to the canvas; false with SDL's error when that fails.
   bool BlendOntoCanvas(SDL_Surface* image, int left, int top);
 
+  // True when the family's draw, once it has encoded the symbol, must take its natural
+  // size from TakeNaturalBox (an X-dimension is set, or Measure is asking).
+  bool WantsNaturalBox() const { return module_pixels_ > 0 || measuring_; }
+  // Pixels a module at the natural size.
+  int NaturalModulePixels() const { return module_pixels_ > 0 ? module_pixels_ : 1; }
+  // The natural box of the encoded symbol: on success *width and *height become it and the
+  // draw goes on. False when Measure is asking (the size is kept for it) or when the box the
+  // host gave (a side of 0: any) is smaller, with "Box too small for the X-dimension" logged.
+  bool TakeNaturalBox(int64_t natural_width, int64_t natural_height, int* width, int* height,
+                      const std::string& log_prefix);
+
   // Records why the drawing will not read back as its text; the first reason stays.
   void Warn(const std::string& reason) const {
     if (warning_.empty()) warning_ = reason;
@@ -141,6 +174,9 @@ class BarcodeBase : public IBarcodeSymbology {
   // SVG document builder.
   void SvgBegin(int width, int height);
   void SvgRect(float x, float y, float width, float height, SDL_Color color);
+  // One path (`d` in whole pixels), crisp-edged, so that shapes meeting at an edge leave
+  // no seam.
+  void SvgPath(const std::string& d, SDL_Color color);
   void SvgText(float x, float y, const std::string& text, int font_size, SDL_Color color, const std::string& anchor);
   void SvgEnd();
   static std::string ColorToRgbString(SDL_Color color);
@@ -171,6 +207,9 @@ class BarcodeBase : public IBarcodeSymbology {
   void FillOwnCanvas(int left, int top, int width, int height, SDL_Color color);
   void FillClipped(double left, double top, double right, double bottom, SDL_Color color);
   void AppendFixed(double value);
+  // Quarter turns of the own canvas and of the SVG document; the SVG size in millimetres.
+  void TurnCanvas();
+  void RewriteSvgHeader();
 
   std::string output_format_;
   SDL_Renderer* external_canvas_ = nullptr;  // the caller's, never freed here
@@ -180,7 +219,15 @@ class BarcodeBase : public IBarcodeSymbology {
   SurfacePtr spare_surface_;
   PngEncoder png_encoder_;  // kept between draws like the canvas
   std::string svg_;
-  mutable std::string warning_;  // layout helpers that only read the object may warn
+  size_t svg_body_ = 0;  // where the SVG document's content starts, after its header
+  mutable std::string warning_;
+  double xdim_mm_ = 0.0;
+  int dpi_ = 0;
+  int module_pixels_ = 0;
+  int quarter_turns_ = 0;
+  bool measuring_ = false;
+  int64_t measured_width_ = -1;
+  int64_t measured_height_ = -1;  // layout helpers that only read the object may warn
 };
 
 }  // namespace barcode_orv

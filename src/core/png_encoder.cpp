@@ -4,6 +4,7 @@
 #include <zlib.h>
 
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <optional>
@@ -432,6 +433,20 @@ std::vector<uint8_t> PngEncoder::Encode(SDL_Surface* surface) {
     if (!png.empty()) return png;
   }
   return SaveTrueColourPng(surface);
+}
+
+void InsertPngResolution(std::vector<uint8_t>* png, int dpi) {
+  // Signature (8 bytes), then IHDR: length, type, 13 data bytes, CRC.
+  constexpr size_t kAfterHeader = 8 + 4 + 4 + 13 + 4;
+  if (dpi < 1 || png->size() < kAfterHeader) return;
+  const auto per_metre = static_cast<uint32_t>(std::lround(dpi / 0.0254));
+  std::vector<uint8_t> data;
+  AppendBigEndian(&data, per_metre);
+  AppendBigEndian(&data, per_metre);
+  data.push_back(1);  // the unit is the metre
+  std::vector<uint8_t> chunk;
+  AppendChunk(&chunk, "pHYs", data.data(), data.size());
+  png->insert(png->begin() + kAfterHeader, chunk.begin(), chunk.end());
 }
 
 std::vector<uint8_t> EncodeSurfacePng(SDL_Surface* surface) {

@@ -33,4 +33,8 @@ class PngEncoder {
 // colours go through SDL_image. Empty on failure, with the reason in SDL_GetError().
 std::vector<uint8_t> EncodeSurfacePng(SDL_Surface* surface);
 
+// Writes a pHYs chunk of `dpi` pixels per inch (as pixels per metre, rounded) right after
+// the IHDR chunk of the PNG file `png`, which must not carry one yet. Nothing for dpi < 1.
+void InsertPngResolution(std::vector<uint8_t>* png, int dpi);
+
 }  // namespace barcode_orv

@@ -46,6 +46,8 @@ class GS1DataBar14 : public DataBarBase {
   int32_t GetSymbolType() const { return m_symbolType; }
 
  private:
+  // ISO/IEC 24724: the symbol is 33 modules tall.
+  float NaturalBarModules() const override { return 33.0F; }
   bool DrawForm(const std::string& text, int x, int y, int width, int height, bool svg);
   internal::DataBar14Form Form() const;
 

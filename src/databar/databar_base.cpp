@@ -81,18 +81,18 @@ std::vector<SDL_FRect> DataBarBase::PlaceRows(const StackedSymbol& symbol, int x
 
 bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int width, int height, bool svg,
                                   const char* log_prefix, const StackedEncoder& encode) {
+  StackedSymbol symbol;
+  // At an X-dimension the symbol is encoded first: its size gives the canvas's.
+  const bool sized_by_symbol = WantsNaturalBox();
+  if (sized_by_symbol && (!EncodeStacked(text, log_prefix, encode, &symbol) ||
+                          !TakeStackedNaturalBox(symbol, &width, &height, log_prefix))) {
+    return false;
+  }
   if (!svg) {
     if (!BarcodeBase::Draw(text, x, y, width, height) || canvas_renderer() == nullptr) return false;
     if (!IsRasterOutput()) ClearCanvas(back_color);
   }
-  StackedSymbol symbol;
-  if (!AcceptsInputLength(text, log_prefix)) return false;
-  try {
-    symbol = encode(text);
-  } catch (const std::exception& error) {
-    log::Error(std::string(log_prefix) + error.what());
-    return false;
-  }
+  if (!sized_by_symbol && !EncodeStacked(text, log_prefix, encode, &symbol)) return false;
   int widest = 0;
   for (const std::string& pattern : symbol.rows.patterns) widest = std::max(widest, RowModules(pattern));
   // Modules under a pixel wide print as a grey blur: the standard profile never draws them.
@@ -102,6 +102,35 @@ bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int wid
   }
   WarnUnlessInside(symbol, widest, x, y, width, height, log_prefix);
   return svg ? DrawStackedSvg(symbol, x, y, width, height) : DrawStackedRaster(symbol, x, y, width, height);
+}
+
+bool DataBarBase::EncodeStacked(const std::string& text, const char* log_prefix, const StackedEncoder& encode,
+                                StackedSymbol* symbol) {
+  if (!AcceptsInputLength(text, log_prefix)) return false;
+  try {
+    *symbol = encode(text);
+    return true;
+  } catch (const std::exception& error) {
+    log::Error(std::string(log_prefix) + error.what());
+    return false;
+  }
+}
+
+bool DataBarBase::TakeStackedNaturalBox(const StackedSymbol& symbol, int* width, int* height, const char* log_prefix) {
+  int widest = 0;
+  for (const std::string& pattern : symbol.rows.patterns) widest = std::max(widest, RowModules(pattern));
+  int64_t row_modules = 0;
+  for (int32_t h : symbol.rows.heights) row_modules += h > 0 ? h : static_cast<int64_t>(NaturalBarModules());
+  const int64_t module = NaturalModulePixels();
+  const int64_t rows = row_modules * module;
+  // The text band grows with the box: the lowest box that leaves the rows their height.
+  int64_t natural_height = rows;
+  auto left_for_rows = [this](int64_t box) {
+    const int h = ClampToInt(box);
+    return int64_t{h} - TextHeightFor(h, text_font_scale) - StackedTextOffset(h, text_gap);
+  };
+  while (left_for_rows(natural_height) < rows) ++natural_height;
+  return TakeNaturalBox(widest * module, natural_height, width, height, log_prefix);
 }
 
 void DataBarBase::WarnUnlessInside(const StackedSymbol& symbol, int widest, int x, int y, int width, int height,

@@ -33,6 +33,12 @@ class DataBarBase : public BarcodeBase1D {
                        const StackedEncoder& encode);
 
  private:
+  // Runs `encode`; a failure is written as `log_prefix` + message.
+  static bool EncodeStacked(const std::string& text, const char* log_prefix, const StackedEncoder& encode,
+                            StackedSymbol* symbol);
+  // The natural box of the rows: rows of a fixed height that many modules, the others
+  // NaturalBarModules(), with the text band under them (TakeNaturalBox).
+  bool TakeStackedNaturalBox(const StackedSymbol& symbol, int* width, int* height, const char* log_prefix);
   // Warns when the rows (`widest` modules) or their text line leave the box.
   void WarnUnlessInside(const StackedSymbol& symbol, int widest, int x, int y, int width, int height,
                         const char* log_prefix) const;

@@ -69,6 +69,8 @@ class GS1DataBarExpanded : public DataBarBase {
   int32_t StackColumns() const;
 
  private:
+  // ISO/IEC 24724: each row is 34 modules tall.
+  float NaturalBarModules() const override { return 34.0F; }
   bool DrawForm(const std::string& text, int x, int y, int width, int height, bool svg);
 
   int32_t symbol_type_ = 0;

@@ -38,6 +38,8 @@ class GS1DataBarLimited : public DataBarBase {
   static std::string CalculateCheckDigit(const std::string& digits);
 
  private:
+  // ISO/IEC 24724: the symbol is 10 modules tall.
+  float NaturalBarModules() const override { return 10.0F; }
   internal::DataBarLimitedSymbol symbol_;
 };
 

@@ -120,18 +120,52 @@ BarcodeBase1D::FontTeardown::~FontTeardown() {
 
 // ---- Width-list symbols ----
 
+BarcodeBase1D::Margins BarcodeBase1D::MarginsOf(const LinearSymbol& symbol) const {
+  Margins margins{symbol.lead_modules, symbol.trail_modules, 0};
+  if (quiet_zone) {
+    // Digits printed outside the symbol (EAN/UPC) stand inside its quiet zones.
+    margins.lead = std::max(margins.lead, symbol.quiet_left);
+    margins.trail = std::max(margins.trail, symbol.quiet_right);
+  }
+  margins.total = int64_t{margins.lead} + margins.trail;
+  for (int32_t w : symbol.widths) margins.total += w;
+  return margins;
+}
+
+RowGeometry BarcodeBase1D::RowsOf(const LinearSymbol& symbol, float unit, int height) const {
+  int font_cap = 0;
+  if (symbol.font_cap_modules > 0.0F) {
+    const double cap = std::floor(static_cast<double>(symbol.font_cap_modules) * unit);
+    font_cap = std::max(TruncateToInt(cap), 8);
+  }
+  const bool has_guards = std::find(symbol.reach.begin(), symbol.reach.end(), BarReach::kGuard) != symbol.reach.end();
+  const bool has_text_above = std::any_of(symbol.text_runs.begin(), symbol.text_runs.end(),
+                                          [](const TextRun& run) { return run.row == TextRow::kAbove; });
+  return LinearRows(height, show_text, text_font_scale, text_gap, symbol.text_lines, has_guards, has_text_above,
+                    font_cap);
+}
+
+bool BarcodeBase1D::TakeLinearNaturalBox(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
+                                         int* width, int* height) {
+  LinearSymbol symbol;
+  if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
+  const int module = NaturalModulePixels();
+  const auto unit = static_cast<float>(module);
+  // The lowest box whose bars are at least the standard's height; the text line grows
+  // with the box, so the search runs upwards from the bars alone.
+  const auto bars = static_cast<int>(std::ceil(NaturalBarModules() * static_cast<float>(module)));
+  int natural_height = bars;
+  while (RowsOf(symbol, unit, natural_height).bar_height < static_cast<float>(bars)) ++natural_height;
+  return TakeNaturalBox(MarginsOf(symbol).total * module, natural_height, width, height, log_prefix);
+}
+
 BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int x, int y, int width,
                                                  int height) const {
   PlacedSymbol placed;
-  int32_t lead_modules = symbol.lead_modules;
-  int32_t trail_modules = symbol.trail_modules;
-  if (quiet_zone) {
-    // Digits printed outside the symbol (EAN/UPC) stand inside its quiet zones.
-    lead_modules = std::max(lead_modules, symbol.quiet_left);
-    trail_modules = std::max(trail_modules, symbol.quiet_right);
-  }
-  int64_t total = int64_t{lead_modules} + trail_modules;
-  for (int32_t w : symbol.widths) total += w;
+  const Margins margins = MarginsOf(symbol);
+  const int32_t lead_modules = margins.lead;
+  const int32_t trail_modules = margins.trail;
+  const int64_t total = margins.total;
   const float unit = ModuleWidthFor(width, total, fit_width);
   // Modules under a pixel wide print as a grey blur: the standard profile never draws them.
   if (standard_profile && unit < 1.0F)
@@ -148,16 +182,7 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
   const BarLayout layout =
       LayOutBars(symbol.widths, left + static_cast<float>(lead_modules) * unit, unit, px_adjust_black, px_adjust_white);
 
-  int font_cap = 0;
-  if (symbol.font_cap_modules > 0.0F) {
-    const double cap = std::floor(static_cast<double>(symbol.font_cap_modules) * unit);
-    font_cap = std::max(TruncateToInt(cap), 8);
-  }
-  const bool has_guards = std::find(symbol.reach.begin(), symbol.reach.end(), BarReach::kGuard) != symbol.reach.end();
-  const bool has_text_above = std::any_of(symbol.text_runs.begin(), symbol.text_runs.end(),
-                                          [](const TextRun& run) { return run.row == TextRow::kAbove; });
-  const RowGeometry rows =
-      LinearRows(height, show_text, text_font_scale, text_gap, symbol.text_lines, has_guards, has_text_above, font_cap);
+  const RowGeometry rows = RowsOf(symbol, unit, height);
 
   const auto top = static_cast<float>(y);
   placed.bars.reserve(layout.bars.size());
@@ -342,6 +367,7 @@ bool BarcodeBase1D::PlaceOrReport(const LinearSymbol& symbol, int x, int y, int 
 
 bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int width, int height,
                                      const char* log_prefix, const LinearEncoder& encode) {
+  if (WantsNaturalBox() && !TakeLinearNaturalBox(text, log_prefix, encode, &width, &height)) return false;
   if (!BarcodeBase::Draw(text, x, y, width, height) || canvas_renderer() == nullptr) return false;
   InitLinerBarcode(width, height, 1);
   // A fresh canvas is already background; a leftover one (unknown format) is not.
@@ -360,6 +386,7 @@ bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int 
 
 bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int width, int height, const char* log_prefix,
                                   const LinearEncoder& encode) {
+  if (WantsNaturalBox() && !TakeLinearNaturalBox(text, log_prefix, encode, &width, &height)) return false;
   InitLinerBarcode(width, height, 1);
   LinearSymbol symbol;
   if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;

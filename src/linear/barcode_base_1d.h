@@ -75,6 +75,10 @@ class BarcodeBase1D : public BarcodeBase {
   bool DrawLinearSvg(const std::string& text, int x, int y, int width, int height, const char* log_prefix,
                      const LinearEncoder& encode);
 
+  // Bar height at the natural size, in modules: where the symbology's standard sets none,
+  // 50, as most generators draw.
+  virtual float NaturalBarModules() const { return 50.0F; }
+
   // The longest text every linear symbology accepts, in bytes: far beyond what a reader
   // scans, short enough that the longest text encodes and draws in milliseconds.
   static constexpr size_t kMaxInputLength = 1000;
@@ -155,6 +159,18 @@ class BarcodeBase1D : public BarcodeBase {
   void WarnUnlessInside(const PlacedSymbol& placed, const Box& box, const char* log_prefix) const;
   // Whether the glyphs of a text placement stay inside `box`.
   static bool TextInside(const TextPlacement& placement, const Box& box);
+  // Modules before and after the elements (quiet zones when they are on) and in all.
+  struct Margins {
+    int32_t lead;
+    int32_t trail;
+    int64_t total;
+  };
+  Margins MarginsOf(const LinearSymbol& symbol) const;
+  // Heights of bars and text in a box `height` tall at `unit` pixels a module.
+  RowGeometry RowsOf(const LinearSymbol& symbol, float unit, int height) const;
+  // Encodes `text` and takes the symbol's natural box (TakeNaturalBox).
+  bool TakeLinearNaturalBox(const std::string& text, const char* log_prefix, const LinearEncoder& encode, int* width,
+                            int* height);
   // Throws when the quiet zones are on and the symbol cannot fit the box.
   PlacedSymbol Place(const LinearSymbol& symbol, int x, int y, int width, int height) const;
   bool PlaceOrReport(const LinearSymbol& symbol, int x, int y, int width, int height, const char* log_prefix,

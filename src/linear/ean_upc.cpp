@@ -350,4 +350,11 @@ bool EanUpcBarcode::DrawSvg(const std::string& text, int x, int y, int width, in
   return DrawLinearSvg(text, x, y, width, height, log_prefix_, [this](const std::string& t) { return Encode(t); });
 }
 
+float EanUpcBarcode::NaturalBarModules() const {
+  // GS1 barcode rules, section 5.2: bars 18.23 mm (EAN-8) or 22.85 mm (the others) tall
+  // at the nominal X-dimension of 0.33 mm.
+  constexpr float kNominalXDim = 0.33F;
+  return (kind_ == internal::EanUpcKind::kJan8 ? 18.23F : 22.85F) / kNominalXDim;
+}
+
 }  // namespace barcode_orv

@@ -60,6 +60,7 @@ class EanUpcBarcode : public BarcodeBase1D {
 
  private:
   LinearSymbol Encode(const std::string& text) const;
+  float NaturalBarModules() const override;
 
   internal::EanUpcKind kind_;
   const char* log_prefix_;

@@ -202,6 +202,8 @@ int YubinCustomer::QuietZoneWidth(int h) const {
 int YubinCustomer::CanvasWidth(int h) const { return ClampToInt(BarsWidth(h) + int64_t{2} * QuietZoneWidth(h)); }
 
 bool YubinCustomer::Draw(const std::string& data, int x, int y, int h) {
+  int width = 0;  // the bar height alone bounds this entry point's box
+  if (WantsNaturalBox() && !TakeYubinNaturalBox(data, &width, &h)) return false;
   if (!Drawable(data, h)) return false;
   if (IsSvgOutput()) return DrawSvg(data, x, y, 0, h);
   if (!BarcodeBase::Draw(data, x, y, CanvasWidth(h), h) || canvas_renderer() == nullptr) return false;
@@ -220,8 +222,17 @@ bool YubinCustomer::Draw(const std::string& data, int x, int y, int h) {
   return true;
 }
 
-bool YubinCustomer::Draw(const std::string& data, int x, int y, int /*width*/, int height) {
-  return Draw(data, x, y, height);
+bool YubinCustomer::Draw(const std::string& data, int x, int y, int width, int height) {
+  if (WantsNaturalBox() && !TakeYubinNaturalBox(data, &width, &height)) return false;
+  return Draw(data, x, y, height);  // at the natural size already: taken again unchanged
+}
+
+bool YubinCustomer::TakeYubinNaturalBox(const std::string& data, int* width, int* height) {
+  // Japan Post: bars 0.6 mm wide on a 1.2 mm pitch, the long ones 3.6 mm.
+  constexpr int kBarModules = 6;
+  const int bar_height = kBarModules * NaturalModulePixels();
+  if (!Drawable(data, bar_height)) return false;
+  return TakeNaturalBox(CanvasWidth(bar_height), bar_height, width, height, kLogPrefix);
 }
 
 bool YubinCustomer::Drawable(const std::string& data, int height) const {
@@ -231,7 +242,8 @@ bool YubinCustomer::Drawable(const std::string& data, int height) const {
   return height >= 1 && !data.empty() && AcceptsInputLength(data, kLogPrefix);
 }
 
-bool YubinCustomer::DrawSvg(const std::string& data, int x, int y, int /*width*/, int height) {
+bool YubinCustomer::DrawSvg(const std::string& data, int x, int y, int width, int height) {
+  if (WantsNaturalBox() && !TakeYubinNaturalBox(data, &width, &height)) return false;
   if (!Drawable(data, height)) return false;
   const int canvas_width = CanvasWidth(height);
   x = ClampToInt(int64_t{x} + QuietZoneWidth(height));

@@ -45,6 +45,9 @@ class YubinCustomer : public BarcodeBase1D {
   bool DrawSvg(const std::string& data, int x, int y, int width, int height) override;
 
  private:
+  // At an X-dimension (the width of a bar) the bars are six modules tall; the box the
+  // symbol then takes, as TakeNaturalBox.
+  bool TakeYubinNaturalBox(const std::string& data, int* width, int* height);
   // False (with the reason recorded) for an empty text or a height under one pixel.
   bool Drawable(const std::string& data, int height) const;
   int QuietZoneWidth(int h) const;

@@ -67,10 +67,28 @@ class BarcodeBase2D : public BarcodeBase {
   // Warns when the painted symbol (or its modules, in the standard profile) do not fit.
   void WarnUnlessInside(float symbol_width, float symbol_height, float module_size, int width, int height,
                         int total_cols, int total_rows) const;
+  // Pixel edges of the modules in the box, as the raster draws them, and the smaller
+  // module side. Fills a canvas that is not fresh with the background. False (after the
+  // message) when the quiet zones are on and the symbol cannot fit the box.
+  struct PixelGrid {
+    std::vector<int> col_edges;
+    std::vector<int> unit_edges;
+    float smaller_module = 0.0F;
+  };
+  bool LayOutPixels(const ModuleView& modules, int x, int y, int width, int height, ModuleAspect aspect,
+                    PixelGrid* grid);
+  // The dark runs (or modules) of `row` as pixel spans, after px_adjust_black.
+  void RowSpans(const ModuleView& modules, int row, const std::vector<int>& col_edges, std::vector<Span>* spans) const;
+  // The standard form of the SVG document: one path a colour on the raster's whole-pixel
+  // edges, crisp, so that no seam shows between modules.
+  bool PaintSeamlessSvg(const ModuleView& modules, int width, int height, ModuleAspect aspect);
   // Paints modules widened by a positive px_adjust_black larger than a module, on the own
   // canvas, in time proportional to the canvas.
   void PaintWidenedModules(const ModuleView& modules, const std::vector<int>& col_edges,
                            const std::vector<int>& unit_edges, int canvas_height);
+  // The natural box of `modules` with its quiet zones when they are on (TakeNaturalBox);
+  // an empty symbol has none.
+  bool TakeModulesNaturalBox(const ModuleView& modules, int* width, int* height);
   // Presents a caller's renderer; a canvas of our own is kept for the getters.
   void EndRaster(bool on_caller_canvas);
   // One SVG document of width x height with a background and one rectangle a dark module.

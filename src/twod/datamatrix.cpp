@@ -30,6 +30,7 @@ bool DataMatrix::Draw(const std::vector<uint8_t>& data, int x, int y, int width,
   if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
   internal::DataMatrixSymbol symbol;
   if (!EncodeReporting(data, symbol)) return false;
+  if (WantsNaturalBox() && !TakeModulesNaturalBox(ModuleView::Of(symbol.modules), &width, &height)) return false;
   bool on_caller_canvas = false;
   if (!BeginRaster(x, y, width, height, on_caller_canvas)) return false;
   if (!PaintRasterModules(ModuleView::Of(symbol.modules), x, y, width, height, ModuleAspect::kSquare)) return false;
@@ -40,6 +41,7 @@ bool DataMatrix::Draw(const std::vector<uint8_t>& data, int x, int y, int width,
 bool DataMatrix::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int width, int height) {
   internal::DataMatrixSymbol symbol;
   if (!EncodeReporting(data, symbol) || symbol.modules.empty()) return false;
+  if (WantsNaturalBox() && !TakeModulesNaturalBox(ModuleView::Of(symbol.modules), &width, &height)) return false;
   return PaintSvgModules(ModuleView::Of(symbol.modules), width, height, ModuleAspect::kSquare);
 }
 

@@ -96,6 +96,50 @@ bool BarcodeBase2D::BeginRaster(int& x, int& y, int& width, int& height, bool& o
 
 bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, int width, int height,
                                        ModuleAspect aspect) {
+  PixelGrid grid;
+  if (!LayOutPixels(modules, x, y, width, height, aspect, &grid)) return false;
+  const std::vector<int>& col_edges = grid.col_edges;
+  const std::vector<int>& unit_edges = grid.unit_edges;
+  // Modules widened past their neighbours overlap many times over: painted one by one
+  // they would cost the canvas area for every dark module.
+  if (px_adjust_black > 0 && static_cast<float>(px_adjust_black) > grid.smaller_module && DrawsOnOwnCanvas()) {
+    PaintWidenedModules(modules, col_edges, unit_edges, y + height);  // the own canvas is the whole box
+    return true;
+  }
+  std::vector<Span> spans;
+  for (int row = 0; row < modules.rows; ++row) {
+    const int top = unit_edges[static_cast<size_t>(row) * modules.row_height];
+    const int bottom = unit_edges[static_cast<size_t>(row + 1) * modules.row_height];
+    const int painted_height = AdjustedExtent(top, bottom, px_adjust_black);
+    if (painted_height < 1) continue;
+    RowSpans(modules, row, col_edges, &spans);
+    // Widened modules reach into the next row's band, which a copied row would erase.
+    if (px_adjust_black <= 0) {
+      FillSpans(spans, top, painted_height, fore_color);
+    } else {
+      for (const Span& span : spans) FillRect(span.x, top, span.width, painted_height, fore_color);
+    }
+  }
+  return true;
+}
+
+void BarcodeBase2D::RowSpans(const ModuleView& modules, int row, const std::vector<int>& col_edges,
+                             std::vector<Span>* spans) const {
+  spans->clear();
+  for (int col = 0; col < modules.cols; ++col) {
+    if (!modules.dark(col, row)) continue;
+    int end = col + 1;
+    if (modules.merge_runs) {
+      while (end < modules.cols && modules.dark(end, row)) ++end;
+    }
+    const int painted_width = AdjustedExtent(col_edges[col], col_edges[end], px_adjust_black);
+    if (painted_width >= 1) spans->push_back(Span{col_edges[col], painted_width});
+    col = end - 1;
+  }
+}
+
+bool BarcodeBase2D::LayOutPixels(const ModuleView& modules, int x, int y, int width, int height, ModuleAspect aspect,
+                                 PixelGrid* grid) {
   // With the quiet-zone option the symbol and its zones fill the box together, centred.
   const int quiet = quiet_zone ? QuietZoneModules() : 0;
   const int total_cols = modules.cols + 2 * quiet;
@@ -107,53 +151,24 @@ bool BarcodeBase2D::PaintRasterModules(const ModuleView& modules, int x, int y, 
   }
   // A fresh canvas is background already; a leftover one (unknown format) or a caller's
   // renderer is not.
-  if (!IsRasterOutput() || canvas_renderer() == external_canvas()) FillRect(x, y, width, height, back_color);
+  if (!IsSvgOutput() && (!IsRasterOutput() || canvas_renderer() == external_canvas())) {
+    FillRect(x, y, width, height, back_color);
+  }
   float module_width = RasterModuleSize(width, total_cols, fit_width);
   float module_height = RasterModuleSize(height, total_rows, fit_width);
   if (aspect == ModuleAspect::kSquare) module_width = module_height = std::min(module_width, module_height);
   WarnAboutThinning(modules);
   WarnUnlessInside(module_width * static_cast<float>(total_cols), module_height * static_cast<float>(total_rows),
                    std::min(module_width, module_height), width, height, total_cols, total_rows);
-  const int canvas_height = y + height;  // the own canvas is the whole box
   if (quiet_zone) {
     x += static_cast<int>(std::floor((static_cast<float>(width) - module_width * static_cast<float>(total_cols)) / 2));
     y +=
         static_cast<int>(std::floor((static_cast<float>(height) - module_height * static_cast<float>(total_rows)) / 2));
   }
 
-  const std::vector<int> col_edges = RoundedEdges(x, module_width, modules.cols, quiet);
-  const std::vector<int> unit_edges = RoundedEdges(y, module_height, modules.module_rows(), quiet);
-  // Modules widened past their neighbours overlap many times over: painted one by one
-  // they would cost the canvas area for every dark module.
-  const float smaller_module = std::min(module_width, module_height);
-  if (px_adjust_black > 0 && static_cast<float>(px_adjust_black) > smaller_module && DrawsOnOwnCanvas()) {
-    PaintWidenedModules(modules, col_edges, unit_edges, canvas_height);
-    return true;
-  }
-  std::vector<Span> spans;
-  for (int row = 0; row < modules.rows; ++row) {
-    const int top = unit_edges[static_cast<size_t>(row) * modules.row_height];
-    const int bottom = unit_edges[static_cast<size_t>(row + 1) * modules.row_height];
-    const int painted_height = AdjustedExtent(top, bottom, px_adjust_black);
-    if (painted_height < 1) continue;
-    spans.clear();
-    for (int col = 0; col < modules.cols; ++col) {
-      if (!modules.dark(col, row)) continue;
-      int end = col + 1;
-      if (modules.merge_runs) {
-        while (end < modules.cols && modules.dark(end, row)) ++end;
-      }
-      const int painted_width = AdjustedExtent(col_edges[col], col_edges[end], px_adjust_black);
-      if (painted_width >= 1) spans.push_back(Span{col_edges[col], painted_width});
-      col = end - 1;
-    }
-    // Widened modules reach into the next row's band, which a copied row would erase.
-    if (px_adjust_black <= 0) {
-      FillSpans(spans, top, painted_height, fore_color);
-    } else {
-      for (const Span& span : spans) FillRect(span.x, top, span.width, painted_height, fore_color);
-    }
-  }
+  grid->col_edges = RoundedEdges(x, module_width, modules.cols, quiet);
+  grid->unit_edges = RoundedEdges(y, module_height, modules.module_rows(), quiet);
+  grid->smaller_module = std::min(module_width, module_height);
   return true;
 }
 
@@ -202,6 +217,17 @@ void BarcodeBase2D::PaintWidenedModules(const ModuleView& modules, const std::ve
   }
 }
 
+bool BarcodeBase2D::TakeModulesNaturalBox(const ModuleView& modules, int* width, int* height) {
+  if (modules.cols == 0 || modules.rows == 0) {
+    log::Error(std::string(LogPrefix()) + "Empty payload: the symbol has no size");
+    return false;
+  }
+  const int64_t quiet = quiet_zone ? QuietZoneModules() : 0;
+  const int64_t module = NaturalModulePixels();
+  return TakeNaturalBox((modules.cols + 2 * quiet) * module, (modules.module_rows() + 2 * quiet) * module, width,
+                        height, LogPrefix());
+}
+
 void BarcodeBase2D::EndRaster(bool on_caller_canvas) {
   if (on_caller_canvas) SDL_RenderPresent(canvas_renderer());
 }
@@ -225,7 +251,33 @@ void BarcodeBase2D::WarnUnlessInside(float symbol_width, float symbol_height, fl
   }
 }
 
+bool BarcodeBase2D::PaintSeamlessSvg(const ModuleView& modules, int width, int height, ModuleAspect aspect) {
+  PixelGrid grid;
+  if (!LayOutPixels(modules, 0, 0, width, height, aspect, &grid)) return false;
+  SvgBegin(width, height);
+  SvgPath("M0 0h" + std::to_string(width) + "v" + std::to_string(height) + "h-" + std::to_string(width) + "z",
+          back_color);
+  std::string path;
+  std::vector<Span> spans;
+  for (int row = 0; row < modules.rows; ++row) {
+    const int top = grid.unit_edges[static_cast<size_t>(row) * modules.row_height];
+    const int bottom = grid.unit_edges[static_cast<size_t>(row + 1) * modules.row_height];
+    const int painted_height = AdjustedExtent(top, bottom, px_adjust_black);
+    if (painted_height < 1) continue;
+    RowSpans(modules, row, grid.col_edges, &spans);
+    for (const Span& span : spans) {
+      path += 'M' + std::to_string(span.x) + ' ' + std::to_string(top) + 'h' + std::to_string(span.width) + 'v' +
+              std::to_string(painted_height) + "h-" + std::to_string(span.width) + 'z';
+    }
+  }
+  if (!path.empty()) SvgPath(path, fore_color);
+  SvgEnd();
+  return true;
+}
+
 bool BarcodeBase2D::PaintSvgModules(const ModuleView& modules, int width, int height, ModuleAspect aspect) {
+  // Whole-pixel edges, the raster's, leave no seams between modules in a browser.
+  if (standard_profile || GetModulePixels() > 0) return PaintSeamlessSvg(modules, width, height, aspect);
   std::vector<float> col_edges;
   std::vector<float> unit_edges;
   if (quiet_zone) {

@@ -46,6 +46,9 @@ bool PDF417::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int
   if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
   internal_pdf417::Symbol symbol;
   if (!EncodeReporting(data, symbol)) return false;
+  if (WantsNaturalBox() && !TakeModulesNaturalBox(RowsOf(symbol, settings_.row_height), &width, &height)) {
+    return false;
+  }
   bool on_caller_canvas = false;
   if (!BeginRaster(x, y, width, height, on_caller_canvas)) return false;
   if (!PaintRasterModules(RowsOf(symbol, settings_.row_height), x, y, width, height, ModuleAspect::kStretch)) {
@@ -58,6 +61,9 @@ bool PDF417::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int
 bool PDF417::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int width, int height) {
   internal_pdf417::Symbol symbol;
   if (!EncodeReporting(data, symbol) || symbol.modules.empty()) return false;
+  if (WantsNaturalBox() && !TakeModulesNaturalBox(RowsOf(symbol, settings_.row_height), &width, &height)) {
+    return false;
+  }
   return PaintSvgModules(RowsOf(symbol, settings_.row_height), width, height, ModuleAspect::kStretch);
 }
 

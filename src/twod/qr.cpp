@@ -122,12 +122,19 @@ bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int hei
   if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
 
   log::Progress("--- QR::Draw 開始 ---");
+  // At an X-dimension the symbol is encoded first: its size gives the canvas's.
+  ModuleMatrix matrix;
+  const bool sized_by_symbol = WantsNaturalBox();
+  if (sized_by_symbol) {
+    matrix = Encode(data);
+    if (!TakeModulesNaturalBox(View(matrix), &width, &height)) return false;
+  }
   bool on_caller_canvas = false;
   if (!BeginRaster(x, y, width, height, on_caller_canvas)) return false;
 
   // Deliberate: QRCapacityError is not caught here. A payload beyond version 40 is the
   // one failure callers must be able to tell apart, so it leaves Draw as an exception.
-  const ModuleMatrix matrix = Encode(data);
+  if (!sized_by_symbol) matrix = Encode(data);
   LogMatrix(matrix);
   if (!PaintRasterModules(View(matrix), x, y, width, height, ModuleAspect::kStretch)) return false;
   EndRaster(on_caller_canvas);
@@ -139,6 +146,7 @@ bool QR::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int wid
   // Deliberate: as in Draw, QRCapacityError leaves this routine uncaught.
   const ModuleMatrix matrix = Encode(data);
   if (matrix.empty()) return false;
+  if (WantsNaturalBox() && !TakeModulesNaturalBox(View(matrix), &width, &height)) return false;
   return PaintSvgModules(View(matrix), width, height, ModuleAspect::kStretch);
 }
 

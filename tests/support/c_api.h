@@ -25,8 +25,8 @@ inline std::vector<uint8_t> ImageData(BarcodeHandle* handle) {
 }
 
 // Reads the handle's last raster draw back with the independent reader.
-inline Decoded DecodeHandle(BarcodeHandle* handle, Symbology symbology) {
-  return DecodePngBarcode(ImageData(handle), symbology);
+inline Decoded DecodeHandle(BarcodeHandle* handle, Symbology symbology, bool any_orientation = false) {
+  return DecodePngBarcode(ImageData(handle), symbology, kAutoQuietZone, any_orientation);
 }
 
 }  // namespace barcode_orv::testing

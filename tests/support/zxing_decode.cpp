@@ -51,7 +51,7 @@ std::vector<uint8_t> GreyWithQuietZone(const RgbaImage& image, int quiet, int* o
 
 }  // namespace
 
-Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet) {
+Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet, bool any_orientation) {
   Decoded out;
   if (image.width <= 0 || image.height <= 0) return out;
   if (quiet < 0) quiet = std::max(20, image.width / 10);
@@ -61,7 +61,7 @@ Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet) {
   ZXing::DecodeHints hints;
   hints.setFormats(ToZXing(symbology));
   hints.setTryHarder(true);
-  hints.setTryRotate(false);
+  hints.setTryRotate(any_orientation);
   hints.setIsPure(false);
   hints.setEanAddOnSymbol(ZXing::EanAddOnSymbol::Read);
   const ZXing::Result result = ZXing::ReadBarcode(ZXing::ImageView(grey.data(), w, h, ZXing::ImageFormat::Lum), hints);
@@ -74,8 +74,8 @@ Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet) {
   return out;
 }
 
-Decoded DecodePngBarcode(const std::vector<uint8_t>& png, Symbology symbology, int quiet) {
-  return DecodeRgba(DecodePng(png), symbology, quiet);
+Decoded DecodePngBarcode(const std::vector<uint8_t>& png, Symbology symbology, int quiet, bool any_orientation) {
+  return DecodeRgba(DecodePng(png), symbology, quiet, any_orientation);
 }
 
 RgbaImage RenderModules(const std::vector<std::vector<bool>>& matrix_by_column, int scale) {

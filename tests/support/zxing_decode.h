@@ -45,10 +45,13 @@ constexpr int kAutoQuietZone = -1;
 
 // Pads `quiet` white pixels on every side, then asks the reader for one symbol. EAN/UPC
 // add-ons are read when present (the reader then appends a space and their digits).
-Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet = kAutoQuietZone);
+// any_orientation: the symbol may be turned a quarter or half turn.
+Decoded DecodeRgba(const RgbaImage& image, Symbology symbology, int quiet = kAutoQuietZone,
+                   bool any_orientation = false);
 
 // Decodes a PNG file held in memory (via DecodePng) and then the symbol in it.
-Decoded DecodePngBarcode(const std::vector<uint8_t>& png, Symbology symbology, int quiet = kAutoQuietZone);
+Decoded DecodePngBarcode(const std::vector<uint8_t>& png, Symbology symbology, int quiet = kAutoQuietZone,
+                         bool any_orientation = false);
 
 // Paints a module matrix (matrix[col][row], true = dark) at `scale` pixels a module.
 RgbaImage RenderModules(const std::vector<std::vector<bool>>& matrix_by_column, int scale);
