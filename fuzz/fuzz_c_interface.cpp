@@ -128,6 +128,9 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
     case 5:
       barcode_set_fit_width(handle, number);
       barcode_set_quiet_zone(handle, number & 2);
+      (void)barcode_set_rotation(handle, (number & 0x30) == 0x30 ? number : 90 * ((number >> 4) & 3));
+      // Up to 25 dpi: modules of at most 4 px keep every natural box small.
+      if ((number & 0x40) != 0) (void)barcode_set_xdim(handle, Scale(in), (number >> 8) % 26);
       break;
     case 6: barcode_set_show_text(handle, number); break;
     case 7: barcode_set_text_font_scale(handle, Scale(in)); break;
@@ -161,6 +164,11 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
       (void)barcode_is_svg_output(handle);
       (void)barcode_get_last_error(handle);
       (void)barcode_get_last_warning(handle);
+      if ((number & 4) != 0) {
+        int width = 0;
+        int height = 0;
+        (void)barcode_measure(handle, (number & 8) != 0 ? nullptr : c_text, &width, &height);
+      }
       barcode_set_throw_on_capacity_error(handle, number % 3);
       barcode_set_quiet(1);  // process-wide; progress lines would only slow the run
       break;

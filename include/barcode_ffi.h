@@ -151,6 +151,10 @@ BARCODE_API int barcode_measure(BarcodeHandle* handle, const char* text, int* wi
  * a 300 x 100 draw gives a 100 x 300 picture. Returns 1, or 0 (nothing changed) for any
  * other angle. */
 BARCODE_API int barcode_set_rotation(BarcodeHandle* handle, int degrees);
+/* ITF only: 1 frames bars and quiet zones with bearer bars 5 modules thick (the ITF-14
+ * frame, which keeps a misaligned scan line from reading part of the symbol as a shorter
+ * one); the quiet zones are then always drawn, inside the frame. 0 (default): none. */
+BARCODE_API void barcode_set_bearer_bars(BarcodeHandle* handle, int on);
 /* 1: write the standard form where the library keeps a compatibility behaviour by
  * default: Code 128 code set A with its ISO/IEC 15417 values (fixed set A, and the
  * automatic mode, which then also uses shifts), Matrix 2 of 5 with its published

@@ -329,6 +329,13 @@ std::vector<RoundTripRow> Rows() {
        [](Rng& rng, int) { return Random(rng, kDigits, 5, 30); }, NoText,
        LinearBox([](size_t n) { return 9 * static_cast<int>(n + 1) + 10; }),
        [](const std::string& text) { return text.size() % 2 == 0 ? text : "0" + text; }},
+      {"ITF-14 in its frame of bearer bars, text line on and off", BARCODE_ITF, Symbology::kITF, 40,
+       [](Rng& rng, int) { return Random(rng, kDigits, 14, 14); },
+       [](BarcodeHandle* h, int i) {
+         barcode_set_bearer_bars(h, 1);
+         barcode_set_show_text(h, i % 2);
+       },
+       LinearBox([](size_t n) { return 9 * static_cast<int>(n + 1) + 40; })},
       EanUpcRow("JAN-8", BARCODE_JAN8, internal::EanUpcKind::kJan8, 7, Symbology::kEAN8),
       EanUpcRow("JAN-13", BARCODE_JAN13, internal::EanUpcKind::kJan13, 12, Symbology::kEAN13),
       EanUpcRow("UPC-A", BARCODE_UPCA, internal::EanUpcKind::kUpcA, 11, Symbology::kUPCA),

@@ -352,6 +352,9 @@ const std::vector<Section>& Sections() {
             IntSetter(barcode_set_show_start_stop, 0, 1)},
            {"--extended-guard", "0|1", "JAN/UPC: guard bars into the text, digits outside", kEanUpc,
             IntSetter(barcode_set_extended_guard, 0, 1)},
+           {"--bearer", nullptr, "ITF: the ITF-14 frame of bearer bars", {11}, Flag([](Request& r) {
+              r.options.emplace_back([](BarcodeHandle* h) { barcode_set_bearer_bars(h, 1); });
+            })},
            {"--code-mode",
             "MODE",
             "Code 128: A, B, C or AUTO",

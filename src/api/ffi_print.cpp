@@ -3,6 +3,7 @@
 #include <string>
 
 #include "api/ffi_internal.h"
+#include "linear/itf.h"
 
 using barcode_orv::BarcodeBase;
 using barcode_orv::ffi::HandleEntry;
@@ -46,6 +47,13 @@ int barcode_set_rotation(BarcodeHandle* handle, int degrees) {
     return Refuse(handle, "barcode_set_rotation: " + std::to_string(degrees) + " is not 0, 90, 180 or 270");
   }
   return 1;
+}
+
+void barcode_set_bearer_bars(BarcodeHandle* handle, int on) {
+  // The handle's type says it holds an ITF object.
+  if (BarcodeBase* object = barcode_orv::ffi::ObjectFor(handle, {BARCODE_ITF})) {
+    static_cast<barcode_orv::ITF*>(object)->SetBearerBars(on != 0);
+  }
 }
 
 int barcode_measure(BarcodeHandle* handle, const char* text, int* width, int* height) {

@@ -122,10 +122,10 @@ BarcodeBase1D::FontTeardown::~FontTeardown() {
 
 BarcodeBase1D::Margins BarcodeBase1D::MarginsOf(const LinearSymbol& symbol) const {
   Margins margins{symbol.lead_modules, symbol.trail_modules, 0};
-  if (quiet_zone) {
+  if (quiet_zone || symbol.bearer_modules > 0) {
     // Digits printed outside the symbol (EAN/UPC) stand inside its quiet zones.
-    margins.lead = std::max(margins.lead, symbol.quiet_left);
-    margins.trail = std::max(margins.trail, symbol.quiet_right);
+    margins.lead = std::max(margins.lead, symbol.quiet_left + symbol.bearer_modules);
+    margins.trail = std::max(margins.trail, symbol.quiet_right + symbol.bearer_modules);
   }
   margins.total = int64_t{margins.lead} + margins.trail;
   for (int32_t w : symbol.widths) margins.total += w;
@@ -143,6 +143,21 @@ RowGeometry BarcodeBase1D::RowsOf(const LinearSymbol& symbol, float unit, int he
                                           [](const TextRun& run) { return run.row == TextRow::kAbove; });
   return LinearRows(height, show_text, text_font_scale, text_gap, symbol.text_lines, has_guards, has_text_above,
                     font_cap);
+}
+
+void BarcodeBase1D::AddBearerBars(float thickness, float left, float width, std::vector<SDL_FRect>* bars) {
+  if (bars->empty()) return;
+  // The bars give up the frame's thickness at both ends; the frame takes their band.
+  const float top = bars->front().y;
+  const float height = bars->front().h;
+  for (SDL_FRect& bar : *bars) {
+    bar.y += thickness;
+    bar.h -= 2.0F * thickness;
+  }
+  bars->push_back({left, top, width, thickness});
+  bars->push_back({left, top + height - thickness, width, thickness});
+  bars->push_back({left, top, thickness, height});
+  bars->push_back({left + width - thickness, top, thickness, height});
 }
 
 bool BarcodeBase1D::TakeLinearNaturalBox(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
@@ -197,6 +212,9 @@ BarcodeBase1D::PlacedSymbol BarcodeBase1D::Place(const LinearSymbol& symbol, int
         break;
     }
   }
+  if (symbol.bearer_modules > 0)
+    AddBearerBars(static_cast<float>(symbol.bearer_modules) * unit, left, static_cast<float>(total) * unit,
+                  &placed.bars);
   if (lead_modules == 0 && trail_modules == 0) {
     placed.drawn_width = layout.drawn_width;
   } else {

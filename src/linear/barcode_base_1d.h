@@ -64,6 +64,9 @@ class BarcodeBase1D : public BarcodeBase {
     // The light margins the symbology's standard asks for, used with the quiet-zone option.
     int32_t quiet_left = 10;
     int32_t quiet_right = 10;
+    // Bearer bars this many modules thick framing bars and quiet zones (0: none); the
+    // quiet zones are then always there, inside the frame.
+    int32_t bearer_modules = 0;
   };
   using LinearEncoder = std::function<LinearSymbol(const std::string& text)>;
 
@@ -166,6 +169,9 @@ class BarcodeBase1D : public BarcodeBase {
     int64_t total;
   };
   Margins MarginsOf(const LinearSymbol& symbol) const;
+  // The ITF-14 frame of `thickness` pixels around [left, left + width) and the band of
+  // `bars` (all of one height, which give that thickness up at both ends).
+  static void AddBearerBars(float thickness, float left, float width, std::vector<SDL_FRect>* bars);
   // Heights of bars and text in a box `height` tall at `unit` pixels a module.
   RowGeometry RowsOf(const LinearSymbol& symbol, float unit, int height) const;
   // Encodes `text` and takes the symbol's natural box (TakeNaturalBox).

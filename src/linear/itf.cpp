@@ -58,7 +58,14 @@ ITF::ITF(SDL_Renderer* canvas) : BarcodeBase1D(canvas) {}
 std::vector<int32_t> ITF::EncodeITF(const std::string& text) const { return internal::EncodeITF(text, ratio_); }
 
 BarcodeBase1D::LinearSymbol ITF::Encode(const std::string& text) const {
-  return LinearSymbol{EncodeITF(text), text};  // the padding zero is not shown
+  LinearSymbol symbol{EncodeITF(text), text};  // the padding zero is not shown
+  if (bearer_bars_) symbol.bearer_modules = kBearerModules;
+  return symbol;
+}
+
+float ITF::NaturalBarModules() const {
+  // The frame's bars take their thickness from the bars' height, top and bottom.
+  return BarcodeBase1D::NaturalBarModules() + (bearer_bars_ ? 2.0F * kBearerModules : 0.0F);
 }
 
 bool ITF::Draw(const std::string& text, int x, int y, int width, int height) {

@@ -28,6 +28,11 @@ class ITF : public BarcodeBase1D {
 
   void SetRatio(float ratio) { ratio_ = ratio; }
   float GetRatio() const { return ratio_; }
+  // The ITF-14 frame: bearer bars kBearerModules thick around the bars and their quiet
+  // zones, which it then always has.
+  void SetBearerBars(bool on) { bearer_bars_ = on; }
+  bool GetBearerBars() const { return bearer_bars_; }
+  static constexpr int32_t kBearerModules = 5;
 
   bool Draw(const std::string& text, int x, int y, int width, int height) override;
   bool DrawSvg(const std::string& text, int x, int y, int width, int height) override;
@@ -36,7 +41,10 @@ class ITF : public BarcodeBase1D {
  private:
   LinearSymbol Encode(const std::string& text) const;
 
+  float NaturalBarModules() const override;
+
   float ratio_ = 1.0F;
+  bool bearer_bars_ = false;
 };
 
 }  // namespace barcode_orv
