@@ -67,10 +67,11 @@ BARCODE_API const char* barcode_type_description(int type);
 /* The type whose short name is exactly `name`; -1 for any other text or NULL. */
 BARCODE_API int barcode_type_from_name(const char* name);
 /* 1 when the C function named `function` ("barcode_draw_2d", "barcode_set_version"...)
- * serves handles of `type`: an entry point that draws it, an option it takes. 0 when that
- * function refuses such a handle (a draw returns 0) or ignores it (an option), and for an
- * unknown type or function name. Whether this build provides `type` is barcode_create's to
- * say. */
+ * takes handles of `type`: a draw entry point that draws it, an option passed on to its
+ * object (the options for every symbology are passed to all, whether or not the symbology
+ * uses them). 0 when that function refuses such a handle (a draw returns 0) or ignores it
+ * (an option), and for an unknown type or function name. Whether this build provides
+ * `type` is barcode_create's to say. */
 BARCODE_API int barcode_type_accepts(int type, const char* function);
 
 /* ---- Handle, factory and results ---- */
