@@ -171,6 +171,9 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
       }
       barcode_set_throw_on_capacity_error(handle, number % 3);
       barcode_set_quiet(1);  // process-wide; progress lines would only slow the run
+      (void)barcode_type_accepts(number % 24, c_text);
+      (void)barcode_type_from_name(c_text);
+      (void)barcode_type_description(number);
       break;
     default: barcode_set_output_format(handle, in.ConsumeBool() ? "svg" : "png"); break;
   }
@@ -180,7 +183,8 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider in(data, size);
-  BarcodeHandle* handle = barcode_create(in.ConsumeIntegralInRange(-2, 20));
+  // Every type of the registry and two numbers past each end of it.
+  BarcodeHandle* handle = barcode_create(in.ConsumeIntegralInRange(-2, barcode_type_count() + 1));
   const int steps = in.ConsumeIntegralInRange(1, 16);
   for (int step = 0; step < steps && in.remaining_bytes() > 0; ++step) {
     BarcodeHandle* target = in.ConsumeIntegralInRange(0, 40) == 0 ? nullptr : handle;

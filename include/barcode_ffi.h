@@ -55,6 +55,25 @@ enum {
   BARCODE_PDF417 = 18
 };
 
+/* ---- Symbology registry ---- */
+
+/* The number of symbology types: they are numbered 0 .. barcode_type_count() - 1. */
+BARCODE_API int barcode_type_count(void);
+/* The short name of `type` that the barcode-orv tool takes ("code39", "gs1-128", "qr"...);
+ * "" for a number outside 0 .. barcode_type_count() - 1. */
+BARCODE_API const char* barcode_type_name(int type);
+/* What `type` is called ("Code 39", "NW-7 (Codabar)", "QR Code"...); "" as above. */
+BARCODE_API const char* barcode_type_description(int type);
+/* The type whose short name is exactly `name`; -1 for any other text or NULL. */
+BARCODE_API int barcode_type_from_name(const char* name);
+/* 1 when the C function named `function` ("barcode_draw_2d", "barcode_set_version"...)
+ * takes handles of `type`: a draw entry point that draws it, an option passed on to its
+ * object (the options for every symbology are passed to all, whether or not the symbology
+ * uses them). 0 when that function refuses such a handle (a draw returns 0) or ignores it
+ * (an option), and for an unknown type or function name. Whether this build provides
+ * `type` is barcode_create's to say. */
+BARCODE_API int barcode_type_accepts(int type, const char* function);
+
 /* ---- Handle, factory and results ---- */
 
 /* New handle for symbology `type` (0..18) in "png" output; NULL for an unknown type or

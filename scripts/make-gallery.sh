@@ -11,6 +11,12 @@ reader=${3:-$(dirname "$cli")/barcode-orv-read}
 mkdir -p "$out"
 export BARCODE_ORV_QUIET=1
 
+# The symbologies, from the tool's --list: provided[name] is "yes" or "no".
+declare -A provided
+while read -r _ name is_provided _; do
+  provided[$name]=$is_provided
+done < <("$cli" --list | tail -n +2)
+
 # section | name | symbology | text | options | note. Cards outside "Compatibility forms"
 # use the tool's default, the standard profile: quiet zones, standard encodings, and only
 # symbols that read back as their text. "compat" marks a card drawn with --compat.
@@ -117,6 +123,7 @@ read_line() {
 
 rendered=0
 skipped=()
+carded=()
 section=""
 for sample in "${samples[@]}"; do
   IFS='|' read -r group name symbology text options note <<< "$sample"
@@ -126,12 +133,13 @@ for sample in "${samples[@]}"; do
   svg_cmd=("$cli" "${extra[@]}" --output "$out/$name.svg" "$symbology" "$text")
   svg_ok=1
   case "$note" in "png only"*) svg_cmd=(true); svg_ok=0 ;; esac
+  case ${provided[$symbology]:-} in
+    yes) ;;
+    no) skipped+=("$name"); continue ;;
+    *) echo "make-gallery: $name: the tool lists no symbology $symbology" >&2; exit 1 ;;
+  esac
+  carded+=("$symbology")
   if ! "${png_cmd[@]}" 2> "$out/$name.log" || ! "${svg_cmd[@]}" 2>> "$out/$name.log"; then
-    if grep -q "not provided" "$out/$name.log"; then
-      skipped+=("$name")
-      rm -f "$out/$name.log" "$out/$name.png" "$out/$name.svg"
-      continue
-    fi
     cat "$out/$name.log" >&2
     echo "make-gallery: $name failed" >&2
     exit 1
@@ -166,4 +174,13 @@ echo '</body></html>' >> "$html"
 echo "gallery: $rendered symbols in $out/index.html"
 if [ ${#skipped[@]} -gt 0 ]; then
   echo "gallery: not provided by this build: ${skipped[*]}"
+fi
+uncarded=()
+for symbology in $(printf '%s\n' "${!provided[@]}" | sort); do
+  if [ "${provided[$symbology]}" = yes ] && [[ " ${carded[*]} " != *" $symbology "* ]]; then
+    uncarded+=("$symbology")
+  fi
+done
+if [ ${#uncarded[@]} -gt 0 ]; then
+  echo "gallery: no card yet for: ${uncarded[*]}"
 fi

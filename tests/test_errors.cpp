@@ -283,8 +283,6 @@ TEST(Warnings, BytesEntryCarriesNulAndNamesAnEmptyPayload) {
   EXPECT_EQ(barcode_draw_2d_bytes(handle.get(), nullptr, 0, 200, 200), 1);
   EXPECT_STREQ(barcode_get_last_warning(handle.get()), "[QR] Empty data: the symbol would carry nothing");
   EXPECT_EQ(barcode_draw_2d_bytes(handle.get(), nullptr, 3, 200, 200), 0);
-  testing::HandlePtr linear = testing::MakeHandle(BARCODE_CODE128);
-  EXPECT_EQ(barcode_draw_2d_bytes(linear.get(), bytes, sizeof bytes, 200, 200), 0);
 }
 
 TEST(Warnings, ErrorLinesCanBeKeptOffStandardError) {

@@ -29,38 +29,24 @@
 
 namespace {
 
-struct SymbologyName {
-  int type;
-  const char* name;
-  const char* description;
-};
-
-constexpr SymbologyName kSymbologies[] = {
-    {0, "code39", "Code 39"},
-    {1, "code93", "Code 93"},
-    {2, "code128", "Code 128"},
-    {3, "gs1-128", "GS1-128"},
-    {4, "nw7", "NW-7 (Codabar)"},
-    {5, "matrix2of5", "Matrix 2 of 5"},
-    {6, "nec2of5", "NEC 2 of 5"},
-    {7, "jan8", "JAN-8 (EAN-8)"},
-    {8, "jan13", "JAN-13 (EAN-13)"},
-    {9, "upca", "UPC-A"},
-    {10, "upce", "UPC-E"},
-    {11, "itf", "Interleaved 2 of 5"},
-    {12, "databar14", "GS1 DataBar (omnidirectional family)"},
-    {13, "databar-limited", "GS1 DataBar Limited"},
-    {14, "databar-expanded", "GS1 DataBar Expanded"},
-    {15, "yubin", "Japan Post customer barcode"},
-    {16, "qr", "QR Code"},
-    {17, "datamatrix", "Data Matrix"},
-    {18, "pdf417", "PDF417"},
-};
-
 bool Provided(int type) {
   BarcodeHandle* handle = barcode_create(type);
   barcode_destroy(handle);
   return handle != nullptr;
+}
+
+// The types `function` serves, each as `label` gives it, in a list "a, b or c" that ends
+// with `last`.
+std::string TypesServedBy(const char* function, const char* (*label)(int), const char* last) {
+  std::vector<std::string> labels;
+  for (int type = 0; type < barcode_type_count(); ++type) {
+    if (barcode_type_accepts(type, function) != 0) labels.emplace_back(label(type));
+  }
+  std::string list;
+  for (size_t i = 0; i < labels.size(); ++i) {
+    list += (i == 0 ? "" : i + 1 == labels.size() ? last : ", ") + labels[i];
+  }
+  return list;
 }
 
 // Raised for a command line that cannot be carried out; exit status 2.
@@ -108,8 +94,10 @@ std::vector<int> ParseColor(const std::string& option, const std::string& value)
 }
 
 int ParseSymbology(const std::string& value) {
-  for (const SymbologyName& entry : kSymbologies) {
-    if (value == entry.name || value == std::to_string(entry.type)) return entry.type;
+  const int named = barcode_type_from_name(value.c_str());
+  if (named >= 0) return named;
+  for (int type = 0; type < barcode_type_count(); ++type) {
+    if (value == std::to_string(type)) return type;
   }
   throw UsageError{"unknown symbology '" + value + "' (see --list)"};
 }
@@ -140,12 +128,13 @@ struct Request {
 
 using Handler = std::function<void(Request&, const std::string& option, const std::string& value)>;
 
-// One command-line option: its spelling, its help line, the types it serves (empty: all).
+// One command-line option: its spelling, its help line, the C function whose types it
+// serves (null: every type).
 struct OptionSpec {
   const char* name;
   const char* argument;  // null for a flag
   const char* help;
-  std::vector<int> types;
+  const char* function;
   Handler handle;
 };
 
@@ -214,10 +203,6 @@ Handler OptionalBoxValue(std::optional<int> Request::*field) {
   };
 }
 
-const std::vector<int> kLinear = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
-const std::vector<int> kEanUpc = {7, 8, 9, 10};
-const std::vector<int> k2D = {16, 17, 18};
-
 struct Section {
   const char* title;
   std::vector<OptionSpec> options;
@@ -227,212 +212,128 @@ const std::vector<Section>& Sections() {
   static const std::vector<Section> sections = {
       {"Output",
        {
-           {"--output",
-            "FILE",
-            "write to FILE (its extension .svg or .png picks the format)",
-            {},
+           {"--output", "FILE", "write to FILE (its extension .svg or .png picks the format)", nullptr,
             [](Request& r, const std::string&, const std::string& v) { r.output = v; }},
-           {"--format",
-            "FORMAT",
-            "png (default), jpg, jpeg (PNG bytes, JPEG-labelled data URI) or svg",
-            {},
+           {"--format", "FORMAT", "png (default), jpg, jpeg (PNG bytes, JPEG-labelled data URI) or svg", nullptr,
             [](Request& r, const std::string& o, const std::string& v) {
               CheckKeyword(o, v, kFormats);
               r.format = v;
             }},
-           {"--data-uri", nullptr, "write the base64 data URI instead of the PNG bytes", {}, Flag([](Request& r) {
-              r.data_uri = true;
-            })},
-           {"--width",
-            "N",
-            "box width in pixels (default 300; with --xdim: the natural width)",
-            {},
+           {"--data-uri", nullptr, "write the base64 data URI instead of the PNG bytes", nullptr,
+            Flag([](Request& r) { r.data_uri = true; })},
+           {"--width", "N", "box width in pixels (default 300; with --xdim: the natural width)", nullptr,
             [](Request& r, const std::string& o, const std::string& v) {
               BoxValue (&Request::width)(r, o, v);
               r.width_given = true;
             }},
-           {"--height",
-            "N",
-            "box height in pixels (default 100; 2D symbols: the width)",
-            {},
+           {"--height", "N", "box height in pixels (default 100; 2D symbols: the width)", nullptr,
             OptionalBoxValue(&Request::height)},
-           {"--draw",
-            "KIND",
-            "entry point: 1d, 2d, 2d-rect, yubin, yubin-width, convenience, stacked",
-            {},
+           {"--draw", "KIND", "entry point: 1d, 2d, 2d-rect, yubin, yubin-width, convenience, stacked", nullptr,
             [](Request& r, const std::string& o, const std::string& v) {
               CheckKeyword(o, v, kDrawKinds);
               r.draw = v;
             }},
-           {"--size",
-            "N",
-            "side for the entry points 2d and yubin (default: the width)",
-            {},
+           {"--size", "N", "side for the entry points 2d and yubin (default: the width)", nullptr,
             OptionalBoxValue(&Request::size)},
-           {"--verbose",
-            nullptr,
-            "let the library print its progress lines (standard output; use -o)",
-            {},
+           {"--verbose", nullptr, "let the library print its progress lines (standard output; use -o)", nullptr,
             Flag([](Request& r) { r.verbose = true; })},
        }},
       {"Every symbology",
        {
-           {"--quiet-zone",
-            nullptr,
-            "draw the quiet zones the standard asks for, symbol centred in the box",
-            {},
+           {"--quiet-zone", nullptr, "draw the quiet zones the standard asks for, symbol centred in the box", nullptr,
             Flag([](Request& r) { r.options.emplace_back([](BarcodeHandle* h) { barcode_set_quiet_zone(h, 1); }); })},
-           {"--compat",
-            nullptr,
-            "the library's compatibility defaults, byte for byte, instead of the standard profile",
-            {},
-            Flag([](Request& r) { r.compat = true; })},
-           {"--standard",
-            nullptr,
-            "the standard profile (the default): only symbols that read back as the text",
-            {},
-            Flag([](Request& r) { r.compat = false; })},
-           {"--xdim",
-            "MM",
-            "module width in millimetres at --dpi: the picture takes the symbol's natural size",
-            {},
-            [](Request& r, const std::string& o, const std::string& v) { r.xdim = ParseDouble(o, v); }},
-           {"--dpi",
-            "N",
-            "resolution for --xdim (default 300)",
-            {},
+           {"--compat", nullptr, "the library's compatibility defaults, byte for byte, instead of the standard profile",
+            nullptr, Flag([](Request& r) { r.compat = true; })},
+           {"--standard", nullptr, "the standard profile (the default): only symbols that read back as the text",
+            nullptr, Flag([](Request& r) { r.compat = false; })},
+           {"--xdim", "MM", "module width in millimetres at --dpi: the picture takes the symbol's natural size",
+            nullptr, [](Request& r, const std::string& o, const std::string& v) { r.xdim = ParseDouble(o, v); }},
+           {"--dpi", "N", "resolution for --xdim (default 300)", nullptr,
             [](Request& r, const std::string& o, const std::string& v) { r.dpi = ParseInt(o, v, 1, 10000); }},
-           {"--rotate",
-            "DEG",
-            "turn the picture 0, 90, 180 or 270 degrees clockwise",
-            {},
+           {"--rotate", "DEG", "turn the picture 0, 90, 180 or 270 degrees clockwise", nullptr,
             [](Request& r, const std::string& o, const std::string& v) {
               CheckKeyword(o, v, {"0", "90", "180", "270"});
               const int degrees = std::stoi(v);
               r.options.emplace_back([degrees](BarcodeHandle* h) { barcode_set_rotation(h, degrees); });
             }},
-           {"--fg",
-            "R,G,B[,A]",
-            "foreground colour (default 0,0,0,255)",
-            {},
+           {"--fg", "R,G,B[,A]", "foreground colour (default 0,0,0,255)", nullptr,
             ColorSetter(barcode_set_foreground_color)},
-           {"--bg",
-            "R,G,B[,A]",
-            "background colour (default 255,255,255,255)",
-            {},
+           {"--bg", "R,G,B[,A]", "background colour (default 255,255,255,255)", nullptr,
             ColorSetter(barcode_set_background_color)},
-           {"--px-adjust-black",
-            "N",
-            "pixels added to every bar",
-            {},
+           {"--px-adjust-black", "N", "pixels added to every bar", nullptr,
             IntSetter(barcode_set_px_adjust_black, -1000, 1000)},
-           {"--px-adjust-white",
-            "N",
-            "pixels added to every space",
-            {},
+           {"--px-adjust-white", "N", "pixels added to every space", nullptr,
             IntSetter(barcode_set_px_adjust_white, -1000, 1000)},
-           {"--fit-width", nullptr, "fractional module width that fills the box", {}, Flag([](Request& r) {
-              r.options.emplace_back([](BarcodeHandle* h) { barcode_set_fit_width(h, 1); });
-            })},
+           {"--fit-width", nullptr, "fractional module width that fills the box", nullptr,
+            Flag([](Request& r) { r.options.emplace_back([](BarcodeHandle* h) { barcode_set_fit_width(h, 1); }); })},
        }},
       {"Linear symbologies",
        {
-           {"--no-text", nullptr, "no human-readable line (same as --show-text 0)", kLinear,
+           {"--no-text", nullptr, "no human-readable line (same as --show-text 0)", "barcode_set_show_text",
             Flag([](Request& r) { r.options.emplace_back([](BarcodeHandle* h) { barcode_set_show_text(h, 0); }); })},
-           {"--show-text", "0|1", "human-readable line (default 1)", kLinear, IntSetter(barcode_set_show_text, 0, 1)},
-           {"--text-font-scale", "F", "text height factor (default 1.0)", kLinear,
+           {"--show-text", "0|1", "human-readable line (default 1)", "barcode_set_show_text",
+            IntSetter(barcode_set_show_text, 0, 1)},
+           {"--text-font-scale", "F", "text height factor (default 1.0)", "barcode_set_text_font_scale",
             DoubleSetter(barcode_set_text_font_scale)},
-           {"--text-gap", "F", "bar-to-text gap factor (default 1.0)", kLinear, DoubleSetter(barcode_set_text_gap)},
-           {"--text-even-spacing", "0|1", "spread the characters over the bars (default 1)", kLinear,
-            IntSetter(barcode_set_text_even_spacing, 0, 1)},
-           {"--show-start-stop",
-            "0|1",
-            "Code 39 and NW-7: start/stop characters in the text",
-            {0, 4},
-            IntSetter(barcode_set_show_start_stop, 0, 1)},
-           {"--extended-guard", "0|1", "JAN/UPC: guard bars into the text, digits outside", kEanUpc,
-            IntSetter(barcode_set_extended_guard, 0, 1)},
-           {"--bearer", nullptr, "ITF: the ITF-14 frame of bearer bars", {11}, Flag([](Request& r) {
-              r.options.emplace_back([](BarcodeHandle* h) { barcode_set_bearer_bars(h, 1); });
-            })},
-           {"--code-mode",
-            "MODE",
-            "Code 128: A, B, C or AUTO",
-            {2},
+           {"--text-gap", "F", "bar-to-text gap factor (default 1.0)", "barcode_set_text_gap",
+            DoubleSetter(barcode_set_text_gap)},
+           {"--text-even-spacing", "0|1", "spread the characters over the bars (default 1)",
+            "barcode_set_text_even_spacing", IntSetter(barcode_set_text_even_spacing, 0, 1)},
+           {"--show-start-stop", "0|1", "Code 39 and NW-7: start/stop characters in the text",
+            "barcode_set_show_start_stop", IntSetter(barcode_set_show_start_stop, 0, 1)},
+           {"--extended-guard", "0|1", "JAN/UPC: guard bars into the text, digits outside",
+            "barcode_set_extended_guard", IntSetter(barcode_set_extended_guard, 0, 1)},
+           {"--bearer", nullptr, "ITF: the ITF-14 frame of bearer bars", "barcode_set_bearer_bars",
+            Flag([](Request& r) { r.options.emplace_back([](BarcodeHandle* h) { barcode_set_bearer_bars(h, 1); }); })},
+           {"--code-mode", "MODE", "Code 128: A, B, C or AUTO", "barcode_set_code_mode",
             KeywordSetter(barcode_set_code_mode, {"A", "B", "C", "AUTO"})},
        }},
       {"Two-dimensional symbologies",
        {
-           {"--string-encoding", "ENC", "utf-8 (default) or shift-jis", k2D,
+           {"--string-encoding", "ENC", "utf-8 (default) or shift-jis", "barcode_set_string_encoding",
             KeywordSetter(barcode_set_string_encoding, {"utf-8", "UTF-8", "shift-jis", "Shift-JIS", "shift_jis"})},
-           {"--binary", nullptr, "TEXT '-': standard input drawn as raw bytes, NUL included", k2D,
+           {"--binary", nullptr, "TEXT '-': standard input drawn as raw bytes, NUL included", "barcode_draw_2d_bytes",
             Flag([](Request& r) { r.binary = true; })},
-           {"--qr-version",
-            "N",
-            "QR version 1-40 (0: the smallest that fits)",
-            {16},
+           {"--qr-version", "N", "QR version 1-40 (0: the smallest that fits)", "barcode_set_version",
             IntSetter(barcode_set_version, 0, 40)},
-           {"--error-correction",
-            "L",
-            "QR level L, M, Q or H",
-            {16},
+           {"--error-correction", "L", "QR level L, M, Q or H", "barcode_set_error_correction_level",
             KeywordSetter(barcode_set_error_correction_level, {"L", "M", "Q", "H"})},
-           {"--encode-mode",
-            "MODE",
-            "QR mode NUMERIC, ALPHANUMERIC, BYTE, KANJI or AUTO",
-            {16},
+           {"--encode-mode", "MODE", "QR mode NUMERIC, ALPHANUMERIC, BYTE, KANJI or AUTO", "barcode_set_encode_mode",
             KeywordSetter(barcode_set_encode_mode,
                           {"NUMERIC", "N", "ALPHANUMERIC", "A", "BYTE", "B", "AUTO", "KANJI", "K"})},
-           {"--code-size",
-            "SIZE",
-            "Data Matrix size, e.g. 24x24, or AUTO",
-            {17},
+           {"--code-size", "SIZE", "Data Matrix size, e.g. 24x24, or AUTO", "barcode_set_code_size",
             KeywordSetter(barcode_set_code_size, kDataMatrixSizes)},
-           {"--encode-scheme",
-            "S",
-            "Data Matrix ASCII, C40, TEXT, X12, EDIFACT, BASE256 or AUTO",
-            {17},
+           {"--encode-scheme", "S", "Data Matrix ASCII, C40, TEXT, X12, EDIFACT, BASE256 or AUTO",
+            "barcode_set_encode_scheme",
             KeywordSetter(barcode_set_encode_scheme, {"ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256", "AUTO"})},
-           {"--error-level",
-            "N",
-            "PDF417 error-correction level 0-8 (-1: automatic)",
-            {18},
+           {"--error-level", "N", "PDF417 error-correction level 0-8 (-1: automatic)", "barcode_set_error_level",
             IntSetter(barcode_set_error_level, -1, 8)},
-           {"--columns", "N", "PDF417 columns 1-30 (0: automatic)", {18}, IntSetter(barcode_set_columns, 0, 30)},
-           {"--rows", "N", "PDF417 rows 3-90 (0: automatic)", {18}, IntSetter(barcode_set_rows, 0, 90)},
-           {"--aspect-ratio",
-            "F",
-            "PDF417 width over height of the automatic shape",
-            {18},
+           {"--columns", "N", "PDF417 columns 1-30 (0: automatic)", "barcode_set_columns",
+            IntSetter(barcode_set_columns, 0, 30)},
+           {"--rows", "N", "PDF417 rows 3-90 (0: automatic)", "barcode_set_rows", IntSetter(barcode_set_rows, 0, 90)},
+           {"--aspect-ratio", "F", "PDF417 width over height of the automatic shape", "barcode_set_aspect_ratio",
             DoubleSetter(barcode_set_aspect_ratio)},
-           {"--y-height", "N", "PDF417 row height in modules", {18}, IntSetter(barcode_set_y_height, 1, 1000)},
+           {"--y-height", "N", "PDF417 row height in modules", "barcode_set_y_height",
+            IntSetter(barcode_set_y_height, 1, 1000)},
        }},
       {"GS1 DataBar",
        {
-           {"--symbol-type-14",
-            "NAME",
-            "OMNIDIRECTIONAL, STACKED or STACKED_OMNIDIRECTIONAL",
-            {12},
+           {"--symbol-type-14", "NAME", "OMNIDIRECTIONAL, STACKED or STACKED_OMNIDIRECTIONAL",
+            "barcode_set_symbol_type_14",
             KeywordSetter(barcode_set_symbol_type_14, {"OMNIDIRECTIONAL", "STACKED", "STACKED_OMNIDIRECTIONAL"})},
-           {"--symbol-type-exp",
-            "NAME",
-            "UNSTACKED or STACKED",
-            {14},
+           {"--symbol-type-exp", "NAME", "UNSTACKED or STACKED", "barcode_set_symbol_type_exp",
             KeywordSetter(barcode_set_symbol_type_exp, {"UNSTACKED", "STACKED"})},
-           {"--no-of-columns",
-            "N",
-            "segment pairs a row of stacked DataBar Expanded (1-11)",
-            {14},
-            IntSetter(barcode_set_no_of_columns, 1, 11)},
+           {"--no-of-columns", "N", "segment pairs a row of stacked DataBar Expanded (1-11)",
+            "barcode_set_no_of_columns", IntSetter(barcode_set_no_of_columns, 1, 11)},
        }},
   };
   return sections;
 }
 
-bool ServesABuiltType(const std::vector<int>& types) {
-  if (types.empty()) return true;
-  for (int type : types) {
-    if (Provided(type)) return true;
+bool ServesABuiltType(const char* function) {
+  if (function == nullptr) return true;
+  for (int type = 0; type < barcode_type_count(); ++type) {
+    if (barcode_type_accepts(type, function) != 0 && Provided(type)) return true;
   }
   return false;
 }
@@ -449,33 +350,35 @@ const OptionSpec* FindOption(const std::string& name) {
 // ---- Help ----
 
 struct Example {
-  int type;  // shown when this build provides it
+  const char* symbology;  // shown when this build provides it
   const char* line;
 };
 
 constexpr Example kExamples[] = {
-    {0, "barcode-orv code39 ABC-1234 -o code39.png"},
-    {2, "barcode-orv --width 400 code128 'Hello 128' -o code128.svg"},
-    {8, "barcode-orv jan13 490123456789 -o jan13.png"},
-    {16, "barcode-orv --error-correction H qr 'https://example.com' -o qr.png"},
-    {16, "echo 'text from a pipe' | barcode-orv qr - > qr.png"},
-    {16, "head -c 64 /dev/urandom | barcode-orv --binary qr - -o bytes.png"},
-    {17, "barcode-orv datamatrix 'Data Matrix' --data-uri"},
-    {2, "barcode-orv --compat code128 ABC123 -o legacy.png"},
-    {8, "barcode-orv --xdim 0.33 --dpi 300 jan13 490123456789 -o jan13-print.png"},
+    {"code39", "barcode-orv code39 ABC-1234 -o code39.png"},
+    {"code128", "barcode-orv --width 400 code128 'Hello 128' -o code128.svg"},
+    {"jan13", "barcode-orv jan13 490123456789 -o jan13.png"},
+    {"qr", "barcode-orv --error-correction H qr 'https://example.com' -o qr.png"},
+    {"qr", "echo 'text from a pipe' | barcode-orv qr - > qr.png"},
+    {"qr", "head -c 64 /dev/urandom | barcode-orv --binary qr - -o bytes.png"},
+    {"datamatrix", "barcode-orv datamatrix 'Data Matrix' --data-uri"},
+    {"code128", "barcode-orv --compat code128 ABC123 -o legacy.png"},
+    {"jan13", "barcode-orv --xdim 0.33 --dpi 300 jan13 490123456789 -o jan13-print.png"},
 };
 
 void PrintHelp() {
   std::cout << "Usage: barcode-orv [options] SYMBOLOGY TEXT\n\n"
                "Draws TEXT as a barcode (TEXT '-' reads it from standard input). SYMBOLOGY is a\n"
-               "type number (0-18) or a name; --list shows which this build provides. The picture\n"
+               "type number (0-"
+            << barcode_type_count() - 1
+            << ") or a name; --list shows which this build provides. The picture\n"
                "goes to standard output unless -o names a file; nothing else is written there.\n"
                "Symbols follow their standards (quiet zones included) and are written only when they\n"
                "read back as TEXT; --compat draws the library's compatibility defaults instead.\n";
   for (const Section& section : Sections()) {
     std::string lines;
     for (const OptionSpec& option : section.options) {
-      if (!ServesABuiltType(option.types)) continue;
+      if (!ServesABuiltType(option.function)) continue;
       std::string spelling =
           std::string("  ") + option.name + (option.argument ? std::string(" ") + option.argument : "");
       if (spelling.size() < 26) spelling.resize(26, ' ');
@@ -490,7 +393,7 @@ void PrintHelp() {
                "\nShort forms: -o --output, -f --format, -W --width, -H --height.\n"
                "\nExamples:\n";
   for (const Example& example : kExamples) {
-    if (Provided(example.type)) std::cout << "  " << example.line << "\n";
+    if (Provided(barcode_type_from_name(example.symbology))) std::cout << "  " << example.line << "\n";
   }
   std::cout << "\nExit status: 0 drawn, 1 nothing written (the reason on standard error: a refused text,\n"
                "a symbol that would not read back, a failed write), 2 a bad command line.\n";
@@ -498,10 +401,10 @@ void PrintHelp() {
 
 void PrintList() {
   std::cout << "type  name              provided  symbology\n";
-  for (const SymbologyName& entry : kSymbologies) {
+  for (int type = 0; type < barcode_type_count(); ++type) {
     char line[128];
-    std::snprintf(line, sizeof line, "%4d  %-16s  %-8s  %s\n", entry.type, entry.name,
-                  Provided(entry.type) ? "yes" : "no", entry.description);
+    std::snprintf(line, sizeof line, "%4d  %-16s  %-8s  %s\n", type, barcode_type_name(type),
+                  Provided(type) ? "yes" : "no", barcode_type_description(type));
     std::cout << line;
   }
 }
@@ -530,8 +433,8 @@ std::string ReadStandardInput(bool binary) {
   // The library takes text up to its first NUL: the rest would be dropped without a word.
   const size_t nul = text.find('\0');
   if (nul != std::string::npos) {
-    throw Refusal{"standard input holds a NUL byte at offset " + std::to_string(nul) +
-                  "; --binary draws QR Code, Data Matrix and PDF417 from raw bytes"};
+    throw Refusal{"standard input holds a NUL byte at offset " + std::to_string(nul) + "; --binary draws " +
+                  TypesServedBy("barcode_draw_2d_bytes", barcode_type_description, " and ") + " from raw bytes"};
   }
   return text;
 }
@@ -583,8 +486,9 @@ std::optional<Request> ParseArguments(int argc, char** argv) {
   }
   if (positional.size() != 2) throw UsageError{"expected SYMBOLOGY and TEXT (see --help)"};
   request.type = ParseSymbology(positional[0]);
-  if (request.binary && (request.type < BARCODE_QR || positional[1] != "-")) {
-    throw UsageError{"--binary reads standard input (TEXT '-') for qr, datamatrix or pdf417"};
+  if (request.binary && (barcode_type_accepts(request.type, "barcode_draw_2d_bytes") == 0 || positional[1] != "-")) {
+    throw UsageError{"--binary reads standard input (TEXT '-') for " +
+                     TypesServedBy("barcode_draw_2d_bytes", barcode_type_name, " or ")};
   }
   request.text = positional[1] == "-" ? ReadStandardInput(request.binary) : positional[1];
   return request;
@@ -605,14 +509,14 @@ std::string OutputFormat(const Request& request) {
 // ---- Drawing ----
 
 std::string DefaultDrawKind(int type) {
-  if (type >= BARCODE_QR) return "2d-rect";
-  if (type == BARCODE_YUBIN_CUSTOMER) return "yubin-width";
+  if (barcode_type_accepts(type, "barcode_draw_2d_rect") != 0) return "2d-rect";
+  if (barcode_type_accepts(type, "barcode_draw_yubin_with_width") != 0) return "yubin-width";
   return "1d";
 }
 
 int Draw(BarcodeHandle* handle, Request request) {
   const std::string kind = request.draw.empty() ? DefaultDrawKind(request.type) : request.draw;
-  const bool two_d = request.type >= BARCODE_QR;
+  const bool two_d = barcode_type_accepts(request.type, "barcode_draw_2d") != 0;
   if (request.xdim) {
     // The symbol's natural size on every side not given (0 asks the library for it).
     if (!request.width_given) request.width = 0;

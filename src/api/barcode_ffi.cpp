@@ -24,6 +24,7 @@ using barcode_orv::ffi::GuardSetter;
 using barcode_orv::ffi::HandleEntry;
 using barcode_orv::ffi::ObjectFor;
 using barcode_orv::ffi::ObjectOf;
+using barcode_orv::ffi::PartOf;
 using barcode_orv::ffi::RefuseDraw;
 
 namespace {
@@ -36,11 +37,6 @@ float NarrowToFloat(double value) {
   if (value > FLT_MAX) return INFINITY;
   if (value < -FLT_MAX) return -INFINITY;
   return static_cast<float>(value);
-}
-
-BarcodeBase1D* LinearObject(BarcodeHandle* handle) {
-  if (handle == nullptr || !barcode_orv::ffi::IsLinearType(handle->type)) return nullptr;
-  return dynamic_cast<BarcodeBase1D*>(handle->object.get());
 }
 
 const char* StoreTextResult(BarcodeHandle* handle, std::string (*fetch)(BarcodeBase&)) noexcept {
@@ -63,7 +59,6 @@ extern "C" {
 // ---- Handle, factory and results ----
 
 BarcodeHandle* barcode_create(int type) {
-  if (static_cast<unsigned>(type) > 18U) return nullptr;
   try {
     std::unique_ptr<BarcodeBase> object = barcode_orv::ffi::MakeSymbology(type);
     if (!object) return nullptr;
@@ -152,7 +147,8 @@ void barcode_set_standard(BarcodeHandle* handle, int on) {
   handle->throw_on_capacity_error = !standard;
   // Whole-pixel modules unless the host asked for fit_width itself; GS1-128's default
   // fractional fit comes back with the compatibility profile.
-  if (!handle->fit_width_set) object->SetFitWidth(!standard && handle->type == BARCODE_GS1_128);
+  const bool gs1_128 = barcode_orv::ffi::SymbologyOf(handle)->family == barcode_orv::ffi::Family::kGs1_128;
+  if (!handle->fit_width_set) object->SetFitWidth(!standard && gs1_128);
 }
 
 // ---- Options for every symbology ----
@@ -191,29 +187,32 @@ void barcode_set_fit_width(BarcodeHandle* handle, int fit) {
 // ---- Options for linear symbologies ----
 
 void barcode_set_show_text(BarcodeHandle* handle, int show) {
-  if (BarcodeBase1D* object = LinearObject(handle)) object->SetShowText(show != 0);
+  if (BarcodeBase1D* object = ObjectFor<PartOf("barcode_set_show_text")>(handle)) object->SetShowText(show != 0);
 }
 
 void barcode_set_text_font_scale(BarcodeHandle* handle, double scale) {
-  if (BarcodeBase1D* object = LinearObject(handle)) object->SetTextFontScale(NarrowToFloat(scale));
+  if (BarcodeBase1D* object = ObjectFor<PartOf("barcode_set_text_font_scale")>(handle))
+    object->SetTextFontScale(NarrowToFloat(scale));
 }
 
 void barcode_set_text_gap(BarcodeHandle* handle, double scale) {
-  if (BarcodeBase1D* object = LinearObject(handle)) object->SetTextGap(NarrowToFloat(scale));
+  if (BarcodeBase1D* object = ObjectFor<PartOf("barcode_set_text_gap")>(handle))
+    object->SetTextGap(NarrowToFloat(scale));
 }
 
 void barcode_set_text_even_spacing(BarcodeHandle* handle, int even) {
-  if (BarcodeBase1D* object = LinearObject(handle)) object->SetTextEvenSpacing(even != 0);
+  if (BarcodeBase1D* object = ObjectFor<PartOf("barcode_set_text_even_spacing")>(handle))
+    object->SetTextEvenSpacing(even != 0);
 }
 
 void barcode_set_show_start_stop(BarcodeHandle* handle, int show) {
-  if (ObjectFor(handle, {BARCODE_CODE39, BARCODE_NW7}) == nullptr) return;
-  if (BarcodeBase1D* object = LinearObject(handle)) object->SetShowStartStop(show != 0);
+  if (BarcodeBase1D* object = ObjectFor<PartOf("barcode_set_show_start_stop")>(handle)) {
+    object->SetShowStartStop(show != 0);
+  }
 }
 
 void barcode_set_extended_guard(BarcodeHandle* handle, int extended) {
-  auto* object = dynamic_cast<barcode_orv::EanUpcBarcode*>(
-      ObjectFor(handle, {BARCODE_JAN8, BARCODE_JAN13, BARCODE_UPCA, BARCODE_UPCE}));
+  auto* object = ObjectFor<PartOf("barcode_set_extended_guard")>(handle);
   if (object != nullptr) object->SetExtendedGuard(extended != 0);
 }
 
@@ -226,25 +225,25 @@ int barcode_draw_1d(BarcodeHandle* handle, const char* text, int width, int heig
 }
 
 int barcode_draw_yubin(BarcodeHandle* handle, const char* text, int size) {
-  auto* object = dynamic_cast<barcode_orv::YubinCustomer*>(ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER}));
+  auto* object = ObjectFor<PartOf("barcode_draw_yubin")>(handle);
   if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_yubin");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, size); });
 }
 
 int barcode_draw_yubin_with_width(BarcodeHandle* handle, const char* text, int width, int height) {
-  BarcodeBase* object = ObjectFor(handle, {BARCODE_YUBIN_CUSTOMER});
+  BarcodeBase* object = ObjectFor<PartOf("barcode_draw_yubin_with_width")>(handle);
   if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_yubin_with_width");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_convenience(BarcodeHandle* handle, const char* text, int width, int height) {
-  auto* object = dynamic_cast<barcode_orv::GS1_128*>(ObjectFor(handle, {BARCODE_GS1_128}));
+  auto* object = ObjectFor<PartOf("barcode_draw_convenience")>(handle);
   if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_convenience");
   return GuardDraw(handle, [&] { return object->DrawConvenience(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int width, int height) {
-  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  auto* object = ObjectFor<PartOf("barcode_draw_stacked")>(handle);
   if (object == nullptr || text == nullptr) return RefuseDraw(handle, text, "barcode_draw_stacked");
   return GuardDraw(handle, [&] { return object->DrawStacked(std::string(text), 0, 0, width, height); });
 }
@@ -252,7 +251,7 @@ int barcode_draw_stacked(BarcodeHandle* handle, const char* text, int width, int
 // ---- GS1 DataBar helpers ----
 
 void barcode_set_symbol_type_14(BarcodeHandle* handle, const char* name) {
-  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  auto* object = ObjectFor<PartOf("barcode_set_symbol_type_14")>(handle);
   if (object == nullptr || name == nullptr) return;
   const std::string form(name);
   if (form == "OMNIDIRECTIONAL") object->SetSymbolType(0);
@@ -261,7 +260,7 @@ void barcode_set_symbol_type_14(BarcodeHandle* handle, const char* name) {
 }
 
 const char* barcode_get_symbol_type_14(BarcodeHandle* handle) {
-  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  auto* object = ObjectFor<PartOf("barcode_get_symbol_type_14")>(handle);
   if (object == nullptr) return kEmpty;
   switch (object->GetSymbolType()) {
     case 1: return "STACKED";
@@ -271,7 +270,7 @@ const char* barcode_get_symbol_type_14(BarcodeHandle* handle) {
 }
 
 int barcode_encode_14(BarcodeHandle* handle, const char* text) {
-  auto* object = dynamic_cast<barcode_orv::GS1DataBar14*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_14}));
+  auto* object = ObjectFor<PartOf("barcode_encode_14")>(handle);
   if (object == nullptr || text == nullptr) return 0;
   try {
     return object->encode(text) ? 1 : 0;
@@ -298,7 +297,7 @@ const char* barcode_calculate_check_digit_14(const char* text) {
 }
 
 void barcode_set_symbol_type_exp(BarcodeHandle* handle, const char* name) {
-  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  auto* object = ObjectFor<PartOf("barcode_set_symbol_type_exp")>(handle);
   if (object == nullptr || name == nullptr) return;
   const std::string form(name);
   if (form == "UNSTACKED") object->SetSymbolType(0);
@@ -306,7 +305,7 @@ void barcode_set_symbol_type_exp(BarcodeHandle* handle, const char* name) {
 }
 
 void barcode_set_no_of_columns(BarcodeHandle* handle, int columns) {
-  auto* object = dynamic_cast<barcode_orv::GS1DataBarExpanded*>(ObjectFor(handle, {BARCODE_GS1_DATABAR_EXPANDED}));
+  auto* object = ObjectFor<PartOf("barcode_set_no_of_columns")>(handle);
   if (object != nullptr) object->SetNoOfColumns(columns);  // stored as given; draws use 1..11, else 2
 }
 

@@ -18,14 +18,9 @@ using barcode_orv::QRErrorCorrectionLevel;
 using barcode_orv::ffi::GuardDraw;
 using barcode_orv::ffi::GuardSetter;
 using barcode_orv::ffi::ObjectFor;
+using barcode_orv::ffi::PartOf;
 
 namespace {
-
-BarcodeBase2D* TwoDObject(BarcodeHandle* handle) {
-  return dynamic_cast<BarcodeBase2D*>(ObjectFor(handle, {BARCODE_QR, BARCODE_DATAMATRIX, BARCODE_PDF417}));
-}
-
-QR* QrObject(BarcodeHandle* handle) { return dynamic_cast<QR*>(ObjectFor(handle, {BARCODE_QR})); }
 
 bool Is(const char* text, const char* keyword) { return std::strcmp(text, keyword) == 0; }
 
@@ -45,10 +40,6 @@ const char* ModeFromText(const char* text) {
   return text;
 }
 
-DataMatrix* DataMatrixObject(BarcodeHandle* handle) {
-  return dynamic_cast<DataMatrix*>(ObjectFor(handle, {BARCODE_DATAMATRIX}));
-}
-
 // "AUTO" and every unknown text mean the automatic size.
 int CodeSizeFromText(const char* text) {
   for (int i = 0; i < barcode_orv::internal::kDataMatrixSizeCount; ++i) {
@@ -65,78 +56,77 @@ int SchemeFromText(const char* text) {
   return static_cast<int>(barcode_orv::internal::Encodation::kAuto);
 }
 
-PDF417* Pdf417Object(BarcodeHandle* handle) { return dynamic_cast<PDF417*>(ObjectFor(handle, {BARCODE_PDF417})); }
-
 }  // namespace
 
 extern "C" {
 
 void barcode_set_string_encoding(BarcodeHandle* handle, const char* encoding) {
-  BarcodeBase2D* object = TwoDObject(handle);
+  BarcodeBase2D* object = ObjectFor<PartOf("barcode_set_string_encoding")>(handle);
   if (object == nullptr || encoding == nullptr) return;
   GuardSetter([&] { object->SetStringEncoding(std::string(encoding)); });
 }
 
 void barcode_set_version(BarcodeHandle* handle, int version) {
-  if (QR* object = QrObject(handle)) GuardSetter([&] { object->SetVersion(version); });
+  if (QR* object = ObjectFor<PartOf("barcode_set_version")>(handle)) GuardSetter([&] { object->SetVersion(version); });
 }
 
 void barcode_set_error_correction_level(BarcodeHandle* handle, const char* level) {
-  QR* object = QrObject(handle);
+  QR* object = ObjectFor<PartOf("barcode_set_error_correction_level")>(handle);
   if (object == nullptr || level == nullptr) return;
   object->SetErrorCorrectionLevel(LevelFromText(level));
 }
 
 void barcode_set_encode_mode(BarcodeHandle* handle, const char* mode) {
-  QR* object = QrObject(handle);
+  QR* object = ObjectFor<PartOf("barcode_set_encode_mode")>(handle);
   if (object == nullptr || mode == nullptr) return;
   GuardSetter([&] { object->SetEncodeMode(std::string(ModeFromText(mode))); });
 }
 
 void barcode_set_code_size(BarcodeHandle* handle, const char* size) {
-  DataMatrix* object = DataMatrixObject(handle);
+  DataMatrix* object = ObjectFor<PartOf("barcode_set_code_size")>(handle);
   if (object != nullptr && size != nullptr) object->SetCodeSize(CodeSizeFromText(size));
 }
 
 void barcode_set_encode_scheme(BarcodeHandle* handle, const char* scheme) {
-  DataMatrix* object = DataMatrixObject(handle);
+  DataMatrix* object = ObjectFor<PartOf("barcode_set_encode_scheme")>(handle);
   if (object != nullptr && scheme != nullptr) object->SetEncodeScheme(SchemeFromText(scheme));
 }
 
 void barcode_set_error_level(BarcodeHandle* handle, int level) {
-  if (PDF417* object = Pdf417Object(handle)) object->SetErrorLevel(static_cast<barcode_orv::PDF417ErrorLevel>(level));
+  if (PDF417* object = ObjectFor<PartOf("barcode_set_error_level")>(handle))
+    object->SetErrorLevel(static_cast<barcode_orv::PDF417ErrorLevel>(level));
 }
 
 void barcode_set_columns(BarcodeHandle* handle, int columns) {
-  if (PDF417* object = Pdf417Object(handle)) object->SetColumns(columns);
+  if (PDF417* object = ObjectFor<PartOf("barcode_set_columns")>(handle)) object->SetColumns(columns);
 }
 
 void barcode_set_rows(BarcodeHandle* handle, int rows) {
-  if (PDF417* object = Pdf417Object(handle)) object->SetRows(rows);
+  if (PDF417* object = ObjectFor<PartOf("barcode_set_rows")>(handle)) object->SetRows(rows);
 }
 
 void barcode_set_aspect_ratio(BarcodeHandle* handle, double ratio) {
-  if (PDF417* object = Pdf417Object(handle)) object->SetAspectRatio(ratio);
+  if (PDF417* object = ObjectFor<PartOf("barcode_set_aspect_ratio")>(handle)) object->SetAspectRatio(ratio);
 }
 
 void barcode_set_y_height(BarcodeHandle* handle, int y_height) {
-  if (PDF417* object = Pdf417Object(handle)) object->SetYHeight(y_height);
+  if (PDF417* object = ObjectFor<PartOf("barcode_set_y_height")>(handle)) object->SetYHeight(y_height);
 }
 
 int barcode_draw_2d(BarcodeHandle* handle, const char* text, int size) {
-  BarcodeBase2D* object = TwoDObject(handle);
+  BarcodeBase2D* object = ObjectFor<PartOf("barcode_draw_2d")>(handle);
   if (object == nullptr || text == nullptr) return barcode_orv::ffi::RefuseDraw(handle, text, "barcode_draw_2d");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, size); });
 }
 
 int barcode_draw_2d_rect(BarcodeHandle* handle, const char* text, int width, int height) {
-  BarcodeBase2D* object = TwoDObject(handle);
+  BarcodeBase2D* object = ObjectFor<PartOf("barcode_draw_2d_rect")>(handle);
   if (object == nullptr || text == nullptr) return barcode_orv::ffi::RefuseDraw(handle, text, "barcode_draw_2d_rect");
   return GuardDraw(handle, [&] { return object->Draw(std::string(text), 0, 0, width, height); });
 }
 
 int barcode_draw_2d_bytes(BarcodeHandle* handle, const unsigned char* data, size_t length, int width, int height) {
-  BarcodeBase2D* object = TwoDObject(handle);
+  BarcodeBase2D* object = ObjectFor<PartOf("barcode_draw_2d_bytes")>(handle);
   if (object == nullptr) return barcode_orv::ffi::RefuseDraw(handle, "", "barcode_draw_2d_bytes");
   if (data == nullptr && length != 0) {
     const barcode_orv::ffi::HandleEntry entry(handle);

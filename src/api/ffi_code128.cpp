@@ -4,12 +4,11 @@
 #include "api/ffi_internal.h"
 #include "linear/code128.h"
 
-using barcode_orv::Code128;
 using barcode_orv::CodeSet128;
 
 extern "C" BARCODE_API void barcode_set_code_mode(BarcodeHandle* handle, const char* mode) {
   try {
-    auto* object = dynamic_cast<Code128*>(barcode_orv::ffi::ObjectFor(handle, {BARCODE_CODE128}));
+    auto* object = barcode_orv::ffi::ObjectFor<barcode_orv::ffi::PartOf("barcode_set_code_mode")>(handle);
     if (object == nullptr || mode == nullptr) return;
     if (std::strcmp(mode, "A") == 0) {
       object->SetCodeMode(CodeSet128::kA);

@@ -3,11 +3,11 @@
 
 #include <atomic>
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "api/symbology_registry.h"
 #include "barcode_ffi.h"
 #include "core/barcode_base.h"
 #include "core/errors.h"
@@ -28,16 +28,15 @@ struct BarcodeHandle {
 
 namespace barcode_orv::ffi {
 
-// The symbology object for `type`, or null for a type this build does not provide.
-std::unique_ptr<BarcodeBase> MakeSymbology(int type);
-
-// The handle's object when the handle is usable and its type is one of `types`.
-inline BarcodeBase* ObjectFor(BarcodeHandle* handle, std::initializer_list<int> types) {
-  if (handle == nullptr || !handle->object) return nullptr;
-  for (int type : types) {
-    if (handle->type == type) return handle->object.get();
-  }
-  return nullptr;
+// The handle's object as the class that serves `kPart` (a part of symbology_registry.h,
+// usually PartOf the calling function's name), when the handle's symbology takes that
+// part; null otherwise. The registry's table is checked at compile time to take no part
+// its class does not serve, which makes the downcast safe.
+template <uint32_t kPart>
+typename PartClass<kPart>::type* ObjectFor(BarcodeHandle* handle) {
+  const Symbology* symbology = SymbologyOf(handle);
+  if (symbology == nullptr || !symbology->Takes(kPart)) return nullptr;
+  return static_cast<typename PartClass<kPart>::type*>(handle->object.get());
 }
 
 inline BarcodeBase* ObjectOf(BarcodeHandle* handle) { return handle == nullptr ? nullptr : handle->object.get(); }
@@ -147,8 +146,5 @@ int GuardDraw(BarcodeHandle* handle, Body&& body) {
     return Fail(handle, "Draw failed", false);
   }
 }
-
-constexpr bool IsLinearType(int type) { return type >= 0 && type <= 15; }
-constexpr bool Is2DType(int type) { return type >= 16 && type <= 18; }
 
 }  // namespace barcode_orv::ffi

@@ -50,10 +50,8 @@ int barcode_set_rotation(BarcodeHandle* handle, int degrees) {
 }
 
 void barcode_set_bearer_bars(BarcodeHandle* handle, int on) {
-  // The handle's type says it holds an ITF object.
-  if (BarcodeBase* object = barcode_orv::ffi::ObjectFor(handle, {BARCODE_ITF})) {
-    static_cast<barcode_orv::ITF*>(object)->SetBearerBars(on != 0);
-  }
+  using barcode_orv::ffi::PartOf;
+  if (auto* itf = barcode_orv::ffi::ObjectFor<PartOf("barcode_set_bearer_bars")>(handle)) itf->SetBearerBars(on != 0);
 }
 
 int barcode_measure(BarcodeHandle* handle, const char* text, int* width, int* height) {
