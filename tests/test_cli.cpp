@@ -95,6 +95,10 @@ TEST(CliTest, EveryTaskReadsBackOrFailsWithOneReason) {
       {"", "matrix2of5 123", 0, "", Symbology::kQRCode},  // no reader here: drawn, not read
       {"", "--width 500 gs1-128 '[01]09501101530003[17]261231[10]LOT42'", 0, "01095011015300031726123110LOT42",
        Symbology::kCode128},
+      {"", "--xdim 0.33 --dpi 300 jan13 490123456789", 0, "4901234567894", Symbology::kEAN13},
+      {"", "--xdim 0.5 --rotate 90 qr 'turned and printed'", 0, "turned and printed", Symbology::kQRCode},
+      {"", "--bearer itf 12345678901231", 0, "12345678901231", Symbology::kITF},
+      {"", "--xdim 0.5 --width 50 qr hello", 1, "[QR] Box too small for the X-dimension: 174x174 px needed"},
       {"", "code128 'Order number abc-xyz for delivery'", 1, "[Code128] Box too small: 418 px needed"},
       {"", "gs1-128 '(01)09501101530003(17)261231(10)LOT42'", 1, "[GS1-128] Box too small: the text line does not fit"},
       {"", "gs1-128 '(01)4901234567894'", 1,
