@@ -34,6 +34,8 @@ struct Workload {
   ZintSettings zint = {};                 // sized for about the same picture
   DrawFunction draw = barcode_draw_1d;
   bool standard = false;  // the standard profile: quiet zones and every fit checked
+  double xdim_mm = 0.0;   // with 300 dpi: the natural size (the box is then 0 x 0)
+  int rotation = 0;
 };
 
 std::string Repeat(const std::string& piece, size_t length) {
@@ -60,6 +62,20 @@ const std::vector<Workload>& Workloads() {
        ZintSettings{1.0F, 50.0F, false}},
       {"JAN13_300x100_text", BARCODE_JAN13, "4901234567894", 300, 100, true, ZintSymbol::kEan13,
        ZintSettings{1.0F, 50.0F, true}},
+      {"JAN13_0.33mm_300dpi_text_standard", BARCODE_JAN13, "4901234567894", 0, 0, true, ZintSymbol::kEan13,
+       ZintSettings{2.0F, 69.24F, true}, barcode_draw_1d, true, 0.33},
+      {"Code128_ABC123_300x100_text_turned90",
+       BARCODE_CODE128,
+       "ABC123",
+       300,
+       100,
+       true,
+       std::nullopt,
+       {},
+       barcode_draw_1d,
+       false,
+       0.0,
+       90},
       {"JAN13_addon5_400x100_text", BARCODE_JAN13, "4901234567894+12345", 400, 100, true, std::nullopt},
       {"JAN8_200x100_text", BARCODE_JAN8, "4912345", 200, 100, true, std::nullopt},
       {"UPCA_300x100_text", BARCODE_UPCA, "036000291452", 300, 100, true, std::nullopt},
@@ -95,6 +111,8 @@ const std::vector<Workload>& Workloads() {
        ZintSettings{1.0F, 50.0F, false}},
       {"QR_45B_300x300", BARCODE_QR, "https://example.com/products/item?id=1234567890", 300, 300, false,
        ZintSymbol::kQrCode, ZintSettings{5.0F, 0.0F, false, 2}},
+      {"QR_45B_0.5mm_300dpi_standard", BARCODE_QR, "https://example.com/products/item?id=1234567890", 0, 0, false,
+       ZintSymbol::kQrCode, ZintSettings{3.0F, 0.0F, false, 2}, barcode_draw_2d_rect, true, 0.5},
       {"QR_1000B_600x600", BARCODE_QR, Repeat("Lorem ipsum dolor sit amet, 0123456789; ", 1000), 600, 600, false,
        ZintSymbol::kQrCode, ZintSettings{3.0F, 0.0F, false, 2}},
   };
@@ -105,6 +123,8 @@ BarcodeHandle* HandleFor(const Workload& work) {
   BarcodeHandle* handle = barcode_create(work.type);
   barcode_set_show_text(handle, work.show_text ? 1 : 0);
   barcode_set_standard(handle, work.standard ? 1 : 0);
+  if (work.xdim_mm > 0.0) barcode_set_xdim(handle, work.xdim_mm, 300);
+  barcode_set_rotation(handle, work.rotation);
   return handle;
 }
 

@@ -3,6 +3,7 @@
 // report or a leak is a failure; the documented QR capacity exception is not.
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -87,11 +88,17 @@ void Fetch(BarcodeHandle* handle, FuzzedDataProvider& in) {
   }
 }
 
-int Draw(BarcodeHandle* handle, FuzzedDataProvider& in) {
+int Draw(BarcodeHandle* handle, bool japan_post, FuzzedDataProvider& in) {
   const std::string text = Text(in);
   const char* c_text = in.ConsumeIntegralInRange(0, 30) == 0 ? nullptr : text.c_str();
+  // A Japan Post canvas is 22 times as wide as its bar height (a 700 px height: 15,600 px
+  // wide); heights within 160 px keep its draws as cheap as the others'.
+  auto height = [&in, japan_post] { return japan_post ? std::min(Box(in), 160) : Box(in); };
   switch (in.ConsumeIntegralInRange(0, 6)) {
-    case 0: return barcode_draw_1d(handle, c_text, Box(in), Box(in));
+    case 0: {
+      const int width = Box(in);
+      return barcode_draw_1d(handle, c_text, width, height());
+    }
     case 1: return barcode_draw_2d(handle, c_text, Box(in));
     case 2:
       // Texts of odd length go in as bytes, NUL included.
@@ -100,8 +107,11 @@ int Draw(BarcodeHandle* handle, FuzzedDataProvider& in) {
         return barcode_draw_2d_bytes(handle, bytes, text.size(), Box(in), Box(in));
       }
       return barcode_draw_2d_rect(handle, c_text, Box(in), Box(in));
-    case 3: return barcode_draw_yubin(handle, c_text, Box(in));
-    case 4: return barcode_draw_yubin_with_width(handle, c_text, Box(in), Box(in));
+    case 3: return barcode_draw_yubin(handle, c_text, height());
+    case 4: {
+      const int width = Box(in);
+      return barcode_draw_yubin_with_width(handle, c_text, width, height());
+    }
     case 5: return barcode_draw_convenience(handle, c_text, Box(in), Box(in));
     default: return barcode_draw_stacked(handle, c_text, Box(in), Box(in));
   }
@@ -184,12 +194,13 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider in(data, size);
   // Every type of the registry and two numbers past each end of it.
-  BarcodeHandle* handle = barcode_create(in.ConsumeIntegralInRange(-2, barcode_type_count() + 1));
+  const int type = in.ConsumeIntegralInRange(-2, barcode_type_count() + 1);
+  BarcodeHandle* handle = barcode_create(type);
   const int steps = in.ConsumeIntegralInRange(1, 16);
   for (int step = 0; step < steps && in.remaining_bytes() > 0; ++step) {
     BarcodeHandle* target = in.ConsumeIntegralInRange(0, 40) == 0 ? nullptr : handle;
     switch (in.ConsumeIntegralInRange(0, 3)) {
-      case 0: try { (void)Draw(target, in);
+      case 0: try { (void)Draw(target, type == BARCODE_YUBIN_CUSTOMER, in);
         } catch (const barcode_orv::SymbolCapacityError&) {
           // The documented QR capacity error: the one exception allowed to leave a draw.
         }

@@ -280,6 +280,34 @@ namespace {
 // Matrix modules widened far past their neighbours are painted row band by row band on the
 // own canvas; a caller's renderer still gets one rectangle a module. Both give the same
 // pixels, and a widening of 100,000 px costs what the canvas costs.
+// A caller's renderer on a 32-bit surface, which the painters fill one rectangle a module
+// or bar, and the count of its pixels that differ from a PNG the library wrote.
+class CallerCanvas {
+ public:
+  CallerCanvas(int width, int height)
+      : surface_(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ABGR8888), SDL_FreeSurface),
+        renderer_(SDL_CreateSoftwareRenderer(surface_.get()), SDL_DestroyRenderer) {}
+
+  SDL_Renderer* renderer() const { return renderer_.get(); }
+
+  int Differing(const barcode_orv::testing::RgbaImage& image) const {
+    int differing = 0;
+    for (int y = 0; y < image.height; ++y) {
+      const auto* row = static_cast<const uint8_t*>(surface_->pixels) + static_cast<ptrdiff_t>(y) * surface_->pitch;
+      for (int x = 0; x < image.width; ++x) {
+        const uint8_t* p = row + static_cast<ptrdiff_t>(x) * 4;
+        const uint32_t rgba = (uint32_t{p[0]} << 24) | (uint32_t{p[1]} << 16) | (uint32_t{p[2]} << 8) | p[3];
+        differing += rgba != image.Pixel(x, y) ? 1 : 0;
+      }
+    }
+    return differing;
+  }
+
+ private:
+  std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)> surface_;
+  std::unique_ptr<SDL_Renderer, decltype(&SDL_DestroyRenderer)> renderer_;
+};
+
 TEST(HardeningTest, WidenedMatrixModulesMatchOneRectangleAModule) {
   struct Case {
     int type;
@@ -307,31 +335,17 @@ TEST(HardeningTest, WidenedMatrixModulesMatchOneRectangleAModule) {
       barcode_set_foreground_color(own.get(), 20, 40, 120, 200);
       ASSERT_EQ(barcode_draw_2d_rect(own.get(), c.text, c.width, c.height), 1);
       const auto image = DecodePng(ImageData(own.get()));
-
-      std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)> surface(
-          SDL_CreateRGBSurfaceWithFormat(0, c.width, c.height, 32, SDL_PIXELFORMAT_ABGR8888), SDL_FreeSurface);
-      std::unique_ptr<SDL_Renderer, decltype(&SDL_DestroyRenderer)> renderer(SDL_CreateSoftwareRenderer(surface.get()),
-                                                                             SDL_DestroyRenderer);
-      const auto caller = MakeHandle(c.type);
+      const CallerCanvas canvas(c.width, c.height);
       std::unique_ptr<barcode_orv::BarcodeBase2D> on_renderer;
-      if (c.type == BARCODE_QR) on_renderer = std::make_unique<barcode_orv::QR>(renderer.get());
-      if (c.type == BARCODE_DATAMATRIX) on_renderer = std::make_unique<barcode_orv::DataMatrix>(renderer.get());
-      if (c.type == BARCODE_PDF417) on_renderer = std::make_unique<barcode_orv::PDF417>(renderer.get());
+      if (c.type == BARCODE_QR) on_renderer = std::make_unique<barcode_orv::QR>(canvas.renderer());
+      if (c.type == BARCODE_DATAMATRIX) on_renderer = std::make_unique<barcode_orv::DataMatrix>(canvas.renderer());
+      if (c.type == BARCODE_PDF417) on_renderer = std::make_unique<barcode_orv::PDF417>(canvas.renderer());
       on_renderer->SetPxAdjustBlack(c.adjust);
       on_renderer->SetQuietZone(quiet_zone != 0);
       on_renderer->SetForegroundColor(20, 40, 120, 200);
       const std::string text = c.text;
       ASSERT_TRUE(on_renderer->Draw(std::vector<uint8_t>(text.begin(), text.end()), 0, 0, c.width, c.height));
-      int differing = 0;
-      for (int y = 0; y < c.height; ++y) {
-        const auto* row = static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch;
-        for (int x = 0; x < c.width; ++x) {
-          const uint8_t* p = row + static_cast<ptrdiff_t>(x) * 4;
-          const uint32_t rgba = (uint32_t{p[0]} << 24) | (uint32_t{p[1]} << 16) | (uint32_t{p[2]} << 8) | p[3];
-          differing += rgba != image.Pixel(x, y) ? 1 : 0;
-        }
-      }
-      EXPECT_EQ(differing, 0);
+      EXPECT_EQ(canvas.Differing(image), 0);
     }
   }
   // The fuzzer's slow input: a 100,000 px widening on a large PDF417 canvas.
@@ -354,26 +368,13 @@ TEST(HardeningTest, OverlappingJapanPostBarsMatchOneRectangleABar) {
       barcode_set_px_adjust_black(own.get(), adjust);
       ASSERT_EQ(barcode_draw_yubin(own.get(), "1060032-3-2-5", height), 1);
       const auto image = DecodePng(ImageData(own.get()));
-      std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)> surface(
-          SDL_CreateRGBSurfaceWithFormat(0, image.width, image.height, 32, SDL_PIXELFORMAT_ABGR8888), SDL_FreeSurface);
-      std::unique_ptr<SDL_Renderer, decltype(&SDL_DestroyRenderer)> renderer(SDL_CreateSoftwareRenderer(surface.get()),
-                                                                             SDL_DestroyRenderer);
-      SDL_SetRenderDrawColor(renderer.get(), 255, 255, 255, 255);
-      SDL_RenderClear(renderer.get());
-      barcode_orv::YubinCustomer on_renderer(renderer.get());
+      const CallerCanvas canvas(image.width, image.height);
+      SDL_SetRenderDrawColor(canvas.renderer(), 255, 255, 255, 255);
+      SDL_RenderClear(canvas.renderer());
+      barcode_orv::YubinCustomer on_renderer(canvas.renderer());
       on_renderer.SetPxAdjustBlack(adjust);
       ASSERT_TRUE(on_renderer.Draw("1060032-3-2-5", 0, 0, height));
-      int differing = 0;
-      for (int y = 0; y < image.height; ++y) {
-        const auto* row = static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch;
-        for (int x = 0; x < image.width; ++x) {
-          const uint8_t* p = row + static_cast<ptrdiff_t>(x) * 4;
-          differing +=
-              ((uint32_t{p[0]} << 24) | (uint32_t{p[1]} << 16) | (uint32_t{p[2]} << 8) | p[3]) != image.Pixel(x, y) ? 1
-                                                                                                                    : 0;
-        }
-      }
-      EXPECT_EQ(differing, 0);
+      EXPECT_EQ(canvas.Differing(image), 0);
     }
   }
 }

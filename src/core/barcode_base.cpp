@@ -415,18 +415,23 @@ void BarcodeBase::SvgBegin(int width, int height) {
   svg_width = width;
   svg_height = height;
   svg_.clear();
-  svg_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"";
-  svg_ += kSvgNamespace;
-  svg_ += "\" version=\"1.1\" width=\"";
-  AppendInt(svg_, width);
-  svg_ += "\" height=\"";
-  AppendInt(svg_, height);
-  svg_ += "\" viewBox=\"0 0 ";
-  AppendInt(svg_, width);
-  svg_ += ' ';
-  AppendInt(svg_, height);
-  svg_ += "\">\n";
+  AppendSvgHeader(svg_, std::to_string(width), std::to_string(height), width, height);
   svg_body_ = svg_.size();
+}
+
+void BarcodeBase::AppendSvgHeader(std::string& out, const std::string& width, const std::string& height, int view_width,
+                                  int view_height) {
+  out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"";
+  out += kSvgNamespace;
+  out += "\" version=\"1.1\" width=\"";
+  out += width;
+  out += "\" height=\"";
+  out += height;
+  out += "\" viewBox=\"0 0 ";
+  AppendInt(out, view_width);
+  out += ' ';
+  AppendInt(out, view_height);
+  out += "\">\n";
 }
 
 void BarcodeBase::SvgRect(float x, float y, float width, float height, SDL_Color color) {
@@ -438,21 +443,21 @@ void BarcodeBase::SvgRect(float x, float y, float width, float height, SDL_Color
   AppendFixed(width);
   svg_ += "\" height=\"";
   AppendFixed(height);
-  svg_ += "\" fill=\"";
-  svg_ += ColorToRgbString(color);
   svg_ += '"';
-  if (color.a < 255) {
-    svg_ += " fill-opacity=\"";
-    AppendFixed(color.a / 255.0);
-    svg_ += '"';
-  }
+  AppendFill(color);
   svg_ += "/>\n";
 }
 
 void BarcodeBase::SvgPath(const std::string& d, SDL_Color color) {
   svg_ += "  <path d=\"";
   svg_ += d;
-  svg_ += "\" fill=\"";
+  svg_ += '"';
+  AppendFill(color);
+  svg_ += " shape-rendering=\"crispEdges\"/>\n";
+}
+
+void BarcodeBase::AppendFill(SDL_Color color) {
+  svg_ += " fill=\"";
   svg_ += ColorToRgbString(color);
   svg_ += '"';
   if (color.a < 255) {
@@ -460,7 +465,6 @@ void BarcodeBase::SvgPath(const std::string& d, SDL_Color color) {
     AppendFixed(color.a / 255.0);
     svg_ += '"';
   }
-  svg_ += " shape-rendering=\"crispEdges\"/>\n";
 }
 
 void BarcodeBase::SvgText(float x, float y, const std::string& text, int font_size, SDL_Color color,

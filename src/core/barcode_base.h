@@ -207,6 +207,12 @@ class BarcodeBase : public IBarcodeSymbology {
   void FillOwnCanvas(int left, int top, int width, int height, SDL_Color color);
   void FillClipped(double left, double top, double right, double bottom, SDL_Color color);
   void AppendFixed(double value);
+  // ` fill="rgb(...)"`, with its opacity when the colour is not opaque.
+  void AppendFill(SDL_Color color);
+  // The XML declaration and the <svg> start tag: width and height as written (pixels, or
+  // millimetres) over a viewBox of the picture's pixels.
+  static void AppendSvgHeader(std::string& out, const std::string& width, const std::string& height, int view_width,
+                              int view_height);
   // Quarter turns of the own canvas and of the SVG document; the SVG size in millimetres.
   void TurnCanvas();
   void RewriteSvgHeader();

@@ -24,14 +24,6 @@ std::string TooLarge(int64_t width, int64_t height) {
          " px, more than " + std::to_string(kMaxNaturalPixels / 1000000) + " megapixels";
 }
 
-void AppendNumber(std::string& out, int64_t value) { out += std::to_string(value); }
-
-// `pixels` at `dpi` in millimetres, two decimals.
-void AppendMillimetres(std::string& out, int pixels, int dpi) {
-  AppendFixed2(out, static_cast<double>(pixels) * kMmPerInch / dpi);
-  out += "mm";
-}
-
 }  // namespace
 
 bool BarcodeBase::SetXDim(double mm, int dpi) {
@@ -147,24 +139,14 @@ void BarcodeBase::RewriteSvgHeader() {
   const bool swap = quarter_turns_ % 2 == 1;
   const int width = swap ? svg_height : svg_width;
   const int height = swap ? svg_width : svg_height;
-  std::string out = svg_.substr(0, svg_.find(" width=\""));
-  out += " width=\"";
-  if (module_pixels_ > 0) {
-    AppendMillimetres(out, width, dpi_);
-  } else {
-    AppendNumber(out, width);
-  }
-  out += "\" height=\"";
-  if (module_pixels_ > 0) {
-    AppendMillimetres(out, height, dpi_);
-  } else {
-    AppendNumber(out, height);
-  }
-  out += "\" viewBox=\"0 0 ";
-  AppendNumber(out, width);
-  out += ' ';
-  AppendNumber(out, height);
-  out += "\">\n";
+  auto size = [this](int pixels) {
+    if (module_pixels_ == 0) return std::to_string(pixels);
+    std::string millimetres;
+    AppendFixed2(millimetres, static_cast<double>(pixels) * kMmPerInch / dpi_);
+    return millimetres + "mm";
+  };
+  std::string out;
+  AppendSvgHeader(out, size(width), size(height), width, height);
   if (quarter_turns_ == 0) {
     out += body;
   } else {

@@ -84,7 +84,7 @@ bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int wid
   StackedSymbol symbol;
   // At an X-dimension the symbol is encoded first: its size gives the canvas's.
   const bool sized_by_symbol = WantsNaturalBox();
-  if (sized_by_symbol && (!EncodeStacked(text, log_prefix, encode, &symbol) ||
+  if (sized_by_symbol && (!EncodeReporting(text, log_prefix, encode, &symbol) ||
                           !TakeStackedNaturalBox(symbol, &width, &height, log_prefix))) {
     return false;
   }
@@ -92,7 +92,7 @@ bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int wid
     if (!BarcodeBase::Draw(text, x, y, width, height) || canvas_renderer() == nullptr) return false;
     if (!IsRasterOutput()) ClearCanvas(back_color);
   }
-  if (!sized_by_symbol && !EncodeStacked(text, log_prefix, encode, &symbol)) return false;
+  if (!sized_by_symbol && !EncodeReporting(text, log_prefix, encode, &symbol)) return false;
   int widest = 0;
   for (const std::string& pattern : symbol.rows.patterns) widest = std::max(widest, RowModules(pattern));
   // Modules under a pixel wide print as a grey blur: the standard profile never draws them.
@@ -102,18 +102,6 @@ bool DataBarBase::DrawStackedRows(const std::string& text, int x, int y, int wid
   }
   WarnUnlessInside(symbol, widest, x, y, width, height, log_prefix);
   return svg ? DrawStackedSvg(symbol, x, y, width, height) : DrawStackedRaster(symbol, x, y, width, height);
-}
-
-bool DataBarBase::EncodeStacked(const std::string& text, const char* log_prefix, const StackedEncoder& encode,
-                                StackedSymbol* symbol) {
-  if (!AcceptsInputLength(text, log_prefix)) return false;
-  try {
-    *symbol = encode(text);
-    return true;
-  } catch (const std::exception& error) {
-    log::Error(std::string(log_prefix) + error.what());
-    return false;
-  }
 }
 
 bool DataBarBase::TakeStackedNaturalBox(const StackedSymbol& symbol, int* width, int* height, const char* log_prefix) {

@@ -33,9 +33,6 @@ class DataBarBase : public BarcodeBase1D {
                        const StackedEncoder& encode);
 
  private:
-  // Runs `encode`; a failure is written as `log_prefix` + message.
-  static bool EncodeStacked(const std::string& text, const char* log_prefix, const StackedEncoder& encode,
-                            StackedSymbol* symbol);
   // The natural box of the rows: rows of a fixed height that many modules, the others
   // NaturalBarModules(), with the text band under them (TakeNaturalBox).
   bool TakeStackedNaturalBox(const StackedSymbol& symbol, int* width, int* height, const char* log_prefix);

@@ -163,7 +163,7 @@ void BarcodeBase1D::AddBearerBars(float thickness, float left, float width, std:
 bool BarcodeBase1D::TakeLinearNaturalBox(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
                                          int* width, int* height) {
   LinearSymbol symbol;
-  if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
+  if (!EncodeReporting(text, log_prefix, encode, &symbol)) return false;
   const int module = NaturalModulePixels();
   const auto unit = static_cast<float>(module);
   // The lowest box whose bars are at least the standard's height; the text line grows
@@ -359,18 +359,6 @@ bool BarcodeBase1D::AcceptsInputLength(const std::string& text, const char* log_
   return false;
 }
 
-bool BarcodeBase1D::EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
-                                   LinearSymbol* symbol) {
-  if (!AcceptsInputLength(text, log_prefix)) return false;
-  try {
-    *symbol = encode(text);
-    return true;
-  } catch (const std::exception& error) {
-    log::Error(std::string(log_prefix) + error.what());
-    return false;
-  }
-}
-
 bool BarcodeBase1D::PlaceOrReport(const LinearSymbol& symbol, int x, int y, int width, int height,
                                   const char* log_prefix, PlacedSymbol* placed) const {
   try {
@@ -391,7 +379,7 @@ bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int 
   // A fresh canvas is already background; a leftover one (unknown format) is not.
   if (!IsRasterOutput()) ClearCanvas(back_color);
   LinearSymbol symbol;
-  if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
+  if (!EncodeReporting(text, log_prefix, encode, &symbol)) return false;
   if (symbol.text_lines != 1) InitLinerBarcode(width, height, symbol.text_lines);
   PlacedSymbol placed;
   if (!PlaceOrReport(symbol, x, y, width, height, log_prefix, &placed)) return false;
@@ -407,7 +395,7 @@ bool BarcodeBase1D::DrawLinearSvg(const std::string& text, int x, int y, int wid
   if (WantsNaturalBox() && !TakeLinearNaturalBox(text, log_prefix, encode, &width, &height)) return false;
   InitLinerBarcode(width, height, 1);
   LinearSymbol symbol;
-  if (!EncodeOrReport(text, log_prefix, encode, &symbol)) return false;
+  if (!EncodeReporting(text, log_prefix, encode, &symbol)) return false;
   if (symbol.text_lines != 1) InitLinerBarcode(width, height, symbol.text_lines);
   PlacedSymbol placed;
   if (!PlaceOrReport(symbol, x, y, width, height, log_prefix, &placed)) return false;

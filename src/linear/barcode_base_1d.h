@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <string>
 #include <utility>
@@ -11,6 +12,7 @@
 #include <SDL_ttf.h>
 
 #include "core/barcode_base.h"
+#include "core/log.h"
 #include "linear/linear_layout.h"
 
 namespace barcode_orv {
@@ -90,9 +92,19 @@ class BarcodeBase1D : public BarcodeBase {
   // The same, written to standard error as `log_prefix` + message; true when accepted.
   static bool AcceptsInputLength(const std::string& text, const char* log_prefix);
 
-  // Runs `encode`; a failure is written to standard error as `log_prefix` + message.
-  static bool EncodeOrReport(const std::string& text, const char* log_prefix, const LinearEncoder& encode,
-                             LinearSymbol* symbol);
+  // Runs `encode` on a text of an accepted length; a failure is written to standard error
+  // as `log_prefix` + message.
+  template <typename Symbol, typename Encoder>
+  static bool EncodeReporting(const std::string& text, const char* log_prefix, const Encoder& encode, Symbol* symbol) {
+    if (!AcceptsInputLength(text, log_prefix)) return false;
+    try {
+      *symbol = encode(text);
+      return true;
+    } catch (const std::exception& error) {
+      log::Error(std::string(log_prefix) + error.what());
+      return false;
+    }
+  }
 
   // Warns (`log_prefix` first) when the classic text line of a symbol drawn `symbol_width`
   // pixels wide from x leaves the box (x, y, box_width, height).
