@@ -68,22 +68,22 @@ void Append(std::vector<int32_t>* out, const Range& range, bool reversed) {
 // Top row 0 and bottom row `bottom` of the stacked forms, 50 modules each.
 void PutStackedHalves(ModuleGrid* grid, const std::array<int32_t, 46>& widths, int bottom) {
   const std::vector<int32_t> top(widths.begin(), widths.begin() + 23);
-  const int end = grid->PutElements(0, 0, top, false);
-  grid->Set(0, end);  // dark-light guard closing the top row
-  grid->Set(0, end + 1, false);
-  grid->Set(bottom, 0);
-  grid->Set(bottom, 1, false);
-  grid->PutElements(bottom, 2, std::vector<int32_t>(widths.begin() + 23, widths.end()), true);
+  const int end = PutElements(grid, 0, 0, top, false);
+  SetModule(grid, end, 0);  // dark-light guard closing the top row
+  SetModule(grid, end + 1, 0, false);
+  SetModule(grid, 0, bottom);
+  SetModule(grid, 1, bottom, false);
+  PutElements(grid, 2, bottom, std::vector<int32_t>(widths.begin() + 23, widths.end()), true);
 }
 
 // Separator between the two halves of the stacked form.
 void PutStackedSeparator(ModuleGrid* grid) {
   for (int column = 4; column < 46; ++column) {
-    const bool top = grid->Get(0, column);
-    if (top == grid->Get(2, column)) {
-      grid->Set(1, column, !top);
+    const bool top = DarkModule(*grid, column, 0);
+    if (top == DarkModule(*grid, column, 2)) {
+      SetModule(grid, column, 1, !top);
     } else {
-      grid->Set(1, column, !grid->Get(1, column - 1));
+      SetModule(grid, column, 1, !DarkModule(*grid, column - 1, 1));
     }
   }
 }
@@ -91,14 +91,14 @@ void PutStackedSeparator(ModuleGrid* grid) {
 // Separator row `row` against the data row `against`: its complement, except over the
 // finder, where light modules of the data row alternate dark and light.
 void PutOmniSeparator(ModuleGrid* grid, int row, int against, int finder_begin) {
-  for (int column = 4; column < 46; ++column) grid->Set(row, column, !grid->Get(against, column));
+  for (int column = 4; column < 46; ++column) SetModule(grid, column, row, !DarkModule(*grid, column, against));
   bool dark_next = true;
   for (int column = finder_begin; column < finder_begin + 16; ++column) {
-    if (grid->Get(against, column)) {
-      grid->Set(row, column, false);
+    if (DarkModule(*grid, column, against)) {
+      SetModule(grid, column, row, false);
       dark_next = true;
     } else {
-      grid->Set(row, column, dark_next);
+      SetModule(grid, column, row, dark_next);
       dark_next = !dark_next;
     }
   }
@@ -106,7 +106,7 @@ void PutOmniSeparator(ModuleGrid* grid, int row, int against, int finder_begin) 
 
 DataBarRows GridRows(const ModuleGrid& grid, int rows, int width, std::vector<int32_t> heights) {
   DataBarRows out;
-  for (int row = 0; row < rows; ++row) out.patterns.push_back(RowPattern(grid.Bits(row, width)));
+  for (int row = 0; row < rows; ++row) out.patterns.push_back(RowPattern(RowBits(grid, row, width)));
   out.heights = std::move(heights);
   return out;
 }
@@ -148,10 +148,10 @@ DataBar14Symbol EncodeDataBar14(const std::string& data, DataBar14Form form) {
   std::copy(widths.begin(), widths.end(), symbol.widths.begin());
   symbol.digits = padded + GtinCheckDigit13(padded);
 
-  ModuleGrid grid(5, 100);
+  ModuleGrid grid(100, 5);
   switch (form) {
     case DataBar14Form::kOmnidirectional:
-      grid.PutElements(0, 0, widths, false);
+      PutElements(&grid, 0, 0, widths, false);
       symbol.rows = GridRows(grid, 1, 96, {-1});
       break;
     case DataBar14Form::kStacked:
@@ -161,7 +161,7 @@ DataBar14Symbol EncodeDataBar14(const std::string& data, DataBar14Form form) {
       break;
     case DataBar14Form::kStackedOmnidirectional:
       PutStackedHalves(&grid, symbol.widths, 4);
-      for (int column = 5; column < 46; column += 2) grid.Set(2, column);
+      for (int column = 5; column < 46; column += 2) SetModule(&grid, column, 2);
       PutOmniSeparator(&grid, 1, 0, 17);
       PutOmniSeparator(&grid, 3, 4, 16);
       symbol.rows = GridRows(grid, 5, kRowWidthStacked, {-1, 1, 1, 1, -1});

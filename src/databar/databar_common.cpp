@@ -63,28 +63,24 @@ std::vector<int32_t> InterleaveSets(const std::array<int32_t, kMaxSetElements>& 
   return widths;
 }
 
-void ModuleGrid::Set(int row, int column, bool dark) {
-  if (row < 0 || column < 0 || row >= rows() || column >= columns()) return;
-  rows_[static_cast<size_t>(row)][static_cast<size_t>(column)] = dark;
+void SetModule(ModuleGrid* grid, int col, int row, bool dark) {
+  if (grid->contains(col, row)) grid->set(col, row, dark);
 }
 
-bool ModuleGrid::Get(int row, int column) const {
-  if (row < 0 || column < 0 || row >= rows() || column >= columns()) return false;
-  return rows_[static_cast<size_t>(row)][static_cast<size_t>(column)];
-}
+bool DarkModule(const ModuleGrid& grid, int col, int row) { return grid.contains(col, row) && grid.dark(col, row); }
 
-int ModuleGrid::PutElements(int row, int column, const std::vector<int32_t>& widths, bool first_dark) {
+int PutElements(ModuleGrid* grid, int col, int row, const std::vector<int32_t>& widths, bool first_dark) {
   bool dark = first_dark;
   for (int32_t width : widths) {
-    for (int32_t k = 0; k < width; ++k) Set(row, column++, dark);
+    for (int32_t k = 0; k < width; ++k) SetModule(grid, col++, row, dark);
     dark = !dark;
   }
-  return column;
+  return col;
 }
 
-std::string ModuleGrid::Bits(int row, int width) const {
+std::string RowBits(const ModuleGrid& grid, int row, int width) {
   std::string bits;
-  for (int column = 0; column < width; ++column) bits += Get(row, column) ? '1' : '0';
+  for (int col = 0; col < width; ++col) bits += DarkModule(grid, col, row) ? '1' : '0';
   return bits;
 }
 

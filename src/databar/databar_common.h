@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/module_grid.h"
+
 namespace barcode_orv::internal {
 
 // The most elements of one set (odd or even) in any DataBar character: 7 in Limited.
@@ -32,23 +34,15 @@ struct DataBarRows {
   std::vector<int32_t> heights;
 };
 
-class ModuleGrid {
- public:
-  ModuleGrid(int rows, int columns) : rows_(rows, std::vector<bool>(static_cast<size_t>(columns))) {}
-  // Out-of-range coordinates are ignored; Get returns false for them.
-  void Set(int row, int column, bool dark = true);
-  bool Get(int row, int column) const;
-  // Writes element widths from `column`, the first element dark or light; returns the
-  // column after the last element.
-  int PutElements(int row, int column, const std::vector<int32_t>& widths, bool first_dark);
-  int rows() const { return static_cast<int>(rows_.size()); }
-  int columns() const { return rows_.empty() ? 0 : static_cast<int>(rows_[0].size()); }
-  // Row `row` over `width` columns as '1'/'0'.
-  std::string Bits(int row, int width) const;
-
- private:
-  std::vector<std::vector<bool>> rows_;
-};
+// Rows of a stacked symbol on the shared module matrix; positions outside it are ignored
+// (Set) or light (Dark).
+void SetModule(ModuleGrid* grid, int col, int row, bool dark = true);
+bool DarkModule(const ModuleGrid& grid, int col, int row);
+// Writes element widths on `row` from `col`, the first element dark or light; returns the
+// column after the last element.
+int PutElements(ModuleGrid* grid, int col, int row, const std::vector<int32_t>& widths, bool first_dark);
+// Row `row` over `width` columns as '1'/'0'.
+std::string RowBits(const ModuleGrid& grid, int row, int width);
 
 // "1100010" -> "232" style run lengths: each run becomes '0' + its length.
 std::string bin2pat(const std::string& bits);  // NOLINT(readability-identifier-naming)

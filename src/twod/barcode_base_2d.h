@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/barcode_base.h"
-#include "twod/module_grid.h"
+#include "core/module_grid.h"
 
 namespace barcode_orv {
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "twod/module_grid.h"
+#include "core/module_grid.h"
 
 namespace barcode_orv::internal {
 

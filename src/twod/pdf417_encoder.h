@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "twod/module_grid.h"
+#include "core/module_grid.h"
 
 namespace barcode_orv::internal_pdf417 {
 

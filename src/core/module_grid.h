@@ -1,5 +1,5 @@
-// A rectangular matrix of modules (true = dark), addressed by column then row: the
-// output of the Data Matrix and PDF417 encoders and the input of the shared painter.
+// The one matrix of modules (true = dark), addressed by column then row: the output of
+// the matrix and stacked encoders and the input of the painters.
 #pragma once
 
 #include <cstddef>
@@ -16,6 +16,7 @@ class ModuleGrid {
   int cols() const { return cols_; }
   int rows() const { return rows_; }
   bool empty() const { return cols_ == 0 || rows_ == 0; }
+  bool contains(int col, int row) const { return col >= 0 && row >= 0 && col < cols_ && row < rows_; }
   bool dark(int col, int row) const { return cells_[Index(col, row)] != 0; }
   void set(int col, int row, bool dark) { cells_[Index(col, row)] = dark ? 1 : 0; }
   // Row by row, one byte a module.
