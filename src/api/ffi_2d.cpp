@@ -93,6 +93,19 @@ void barcode_set_encode_mode(BarcodeHandle* handle, const char* mode) {
   GuardSetter([&] { object->SetEncodeMode(std::string(ModeFromText(mode))); });
 }
 
+void barcode_set_qr_mask(BarcodeHandle* handle, int mask) {
+  if (QR* object = QrObject(handle)) object->SetMask(mask);
+}
+
+void barcode_set_eci(BarcodeHandle* handle, int eci) {
+  if (BarcodeBase2D* object = TwoDObject(handle)) object->SetEci(eci);
+}
+
+void barcode_set_gs1(BarcodeHandle* handle, int on) {
+  auto* object = dynamic_cast<BarcodeBase2D*>(ObjectFor(handle, {BARCODE_QR, BARCODE_DATAMATRIX}));
+  if (object != nullptr) object->SetGs1(on != 0);
+}
+
 void barcode_set_code_size(BarcodeHandle* handle, const char* size) {
   DataMatrix* object = DataMatrixObject(handle);
   if (object != nullptr && size != nullptr) object->SetCodeSize(CodeSizeFromText(size));
