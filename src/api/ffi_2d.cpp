@@ -49,12 +49,15 @@ DataMatrix* DataMatrixObject(BarcodeHandle* handle) {
   return dynamic_cast<DataMatrix*>(ObjectFor(handle, {BARCODE_DATAMATRIX}));
 }
 
-// "AUTO" and every unknown text mean the automatic size.
-int CodeSizeFromText(const char* text) {
+// "AUTO" and every unknown text mean the automatic size (an unknown one is remembered).
+void SetCodeSizeFromText(DataMatrix& object, const char* text) {
   for (int i = 0; i < barcode_orv::internal::kDataMatrixSizeCount; ++i) {
-    if (Is(text, barcode_orv::internal::kDataMatrixSizes[i].name)) return i;
+    if (Is(text, barcode_orv::internal::kDataMatrixSizes[i].name)) return object.SetCodeSize(i);
   }
-  return barcode_orv::internal::kAutoSize;
+  if (Is(text, "AUTO_RECT")) return object.SetCodeSize(barcode_orv::internal::kAutoRect);
+  if (Is(text, "AUTO_DMRE")) return object.SetCodeSize(barcode_orv::internal::kAutoDmre);
+  if (Is(text, "AUTO")) return object.SetCodeSize(barcode_orv::internal::kAutoSize);
+  object.SetUnknownCodeSize(text);
 }
 
 int SchemeFromText(const char* text) {
@@ -108,7 +111,7 @@ void barcode_set_gs1(BarcodeHandle* handle, int on) {
 
 void barcode_set_code_size(BarcodeHandle* handle, const char* size) {
   DataMatrix* object = DataMatrixObject(handle);
-  if (object != nullptr && size != nullptr) object->SetCodeSize(CodeSizeFromText(size));
+  if (object != nullptr && size != nullptr) GuardSetter([&] { SetCodeSizeFromText(*object, size); });
 }
 
 void barcode_set_encode_scheme(BarcodeHandle* handle, const char* scheme) {

@@ -666,7 +666,25 @@ Symbol EncodePdf417(const std::vector<uint8_t>& data, const Settings& settings) 
     throw std::runtime_error("Data too long for PDF417: " + std::to_string(data.size()) + " bytes, at most " +
                              std::to_string(kMaxBytes) + " digits fit");
   }
-  const std::vector<int> compacted = CompactData(data);
+  std::vector<int> compacted = CompactData(data);
+  if (settings.eci >= 0) {
+    // ISO/IEC 15438 section 5.5.3: 927 for ECI 0..899, 926 and two codewords up to
+    // 810899, 925 up to 811799.
+    constexpr int kMaxEci = 811799;
+    const int eci = settings.eci;
+    std::vector<int> designator;
+    if (eci < 900) {
+      designator = {927, eci};
+    } else if (eci < 810900) {
+      designator = {926, eci / 900 - 1, eci % 900};
+    } else if (eci <= kMaxEci) {
+      designator = {925, eci - 810900};
+    } else {
+      throw std::runtime_error("ECI must be 0 to " + std::to_string(kMaxEci) + " in PDF417, not " +
+                               std::to_string(eci));
+    }
+    compacted.insert(compacted.begin(), designator.begin(), designator.end());
+  }
   const int data_codewords = 1 + static_cast<int>(compacted.size());
   const int level =
       settings.level >= 0 && settings.level <= kMaxLevel ? settings.level : RecommendedLevel(data_codewords - 1);

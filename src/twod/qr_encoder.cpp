@@ -714,7 +714,8 @@ int IsoPenalty(const ModuleMatrix& matrix) {
   for (int row = 0; row + 1 < side; ++row) {
     for (int col = 0; col + 1 < side; ++col) {
       const bool dark = matrix.dark(col, row);
-      if (matrix.dark(col + 1, row) == dark && matrix.dark(col, row + 1) == dark && matrix.dark(col + 1, row + 1) == dark) {
+      if (matrix.dark(col + 1, row) == dark && matrix.dark(col, row + 1) == dark &&
+          matrix.dark(col + 1, row + 1) == dark) {
         penalty += 3;
       }
     }

@@ -155,8 +155,8 @@ class Segmenter {
     }
     int best = -1;
     for (int mode = 0; mode < 4; ++mode) {
-      if (lattice_.reached(units_.size(), mode) && (best < 0 || lattice_.cost(units_.size(), mode) <
-                                                                    lattice_.cost(units_.size(), best))) {
+      if (lattice_.reached(units_.size(), mode) &&
+          (best < 0 || lattice_.cost(units_.size(), mode) < lattice_.cost(units_.size(), best))) {
         best = mode;
       }
     }
@@ -199,7 +199,9 @@ class Segmenter {
       case kNumericMode: return length == 1 && first >= '0' && first <= '9' ? kDigitCost : -1;
       case kAlphanumericMode:
         if (length != 1) return -1;
-        if (Gs1() && first == '%') return 2 * kAlphanumericCost;  // written "%%"
+        // ISO/IEC 18004 section 7.4.8 writes a data '%' as "%%", which ZXing-cpp 1.4 reads
+        // back cut short: GS1 data keeps '%' to byte mode.
+        if (Gs1() && first == '%') return -1;
         if (Gs1() && first == kGroupSeparator) return kAlphanumericCost;
         return kAlphanumericSet.find(static_cast<char>(first)) != std::string_view::npos ? kAlphanumericCost : -1;
       case kByteMode:
@@ -256,9 +258,8 @@ class Segmenter {
         std::vector<uint32_t> values;
         for (size_t i = segment.begin; i < segment.end; ++i) {
           const uint8_t c = data_[i];
-          if (Gs1() && (c == '%' || c == kGroupSeparator)) {
+          if (Gs1() && c == kGroupSeparator) {
             values.push_back(kPercentValue);
-            if (c == '%') values.push_back(kPercentValue);
             continue;
           }
           values.push_back(static_cast<uint32_t>(kAlphanumericSet.find(static_cast<char>(c))));
