@@ -8,6 +8,9 @@
 #include <string>
 #include <string_view>
 
+#include "twod/galois_field.h"
+#include "twod/shortest_path.h"
+
 namespace barcode_orv::internal {
 namespace {
 
@@ -36,7 +39,7 @@ constexpr uint8_t kGroupSeparator = 0x1D;
 constexpr int kUnit = 12;
 constexpr int kTripleValueCost = 8;
 constexpr int kEdifactValueCost = 9;
-constexpr int kInfinity = INT_MAX / 2;
+constexpr int kInfinity = kUnreachable;
 // Characters a forced scheme may leave to ASCII at the end of the data.
 constexpr size_t kForcedAsciiTail = 4;
 
@@ -54,12 +57,7 @@ static_assert(StateOf(kEdifactMode, 3) == kStateCount - 1, "EDIFACT's last state
 
 enum class Action : uint8_t { kNone, kAsciiChar, kDigitPair, kLatch, kUnlatch, kModeChar, kBase256 };
 
-struct Node {
-  int cost = kInfinity;
-  int from_pos = -1;
-  int from_state = -1;
-  Action action = Action::kNone;
-};
+using Node = PathNode<Action>;
 
 bool IsDigit(uint8_t c) { return c >= '0' && c <= '9'; }
 
@@ -206,15 +204,13 @@ const char* EncodationName(Encodation scheme) {
 struct DataMatrixEncodation::Search {
   std::vector<uint8_t> data;
   Encodation scheme = Encodation::kAuto;
-  bool gs1 = false;                                  // Base 256 would carry the separators as plain GS
-  std::vector<std::array<Node, kStateCount>> nodes;  // per position 0..n
+  bool gs1 = false;                    // Base 256 would carry the separators as plain GS
+  Lattice<Action, kStateCount> nodes;  // per position 0..n
 
   size_t size() const { return data.size(); }
 
   void Relax(size_t pos, int state, int cost, size_t from_pos, int from_state, Action action) {
-    Node& node = nodes[pos][state];
-    if (cost >= node.cost) return;
-    node = {cost, static_cast<int>(from_pos), from_state, action};
+    nodes.Relax(pos, state, cost, from_pos, from_state, action);
   }
 
   bool Forced() const { return scheme != Encodation::kAuto; }
@@ -229,7 +225,7 @@ struct DataMatrixEncodation::Search {
 
   void Run() {
     const size_t n = size();
-    nodes.assign(n + 1, {});
+    nodes.Reset(n);
     const Mode forced = ForcedMode(scheme);
     if (forced == kAsciiMode || n == 0) {
       nodes[0][StateOf(kAsciiMode, 0)].cost = 0;
@@ -602,23 +598,11 @@ std::vector<uint8_t> DataMatrixEncodation::Codewords(int capacity) const {
   if (!end) throw std::logic_error("Data Matrix codewords requested for a capacity that does not fit");
 
   // Walk back from the end, then write forward.
-  struct Step {
-    int pos;
-    int state;
-    const Node* node;
-  };
-  std::vector<Step> steps;
-  for (int pos = end->pos, state = end->state; pos >= 0 && search_->nodes[pos][state].action != Action::kNone;) {
-    const Node& node = search_->nodes[pos][state];
-    steps.push_back({pos, state, &node});
-    pos = node.from_pos;
-    state = node.from_state;
-  }
-  std::reverse(steps.begin(), steps.end());
+  const auto steps = search_->nodes.Path(static_cast<size_t>(end->pos), end->state, Action::kNone);
 
   const std::vector<uint8_t>& data = search_->data;
   CodewordWriter writer(data, capacity, prefix_, search_->gs1);
-  for (const Step& step : steps) {
+  for (const auto& step : steps) {
     const size_t from = static_cast<size_t>(std::max(step.node->from_pos, 0));
     switch (step.node->action) {
       case Action::kAsciiChar: writer.AsciiChar(data[from]); break;
@@ -657,28 +641,7 @@ std::vector<uint8_t> PadCodewords(std::vector<uint8_t> codewords, int capacity) 
 
 namespace {
 
-struct GaloisField {
-  std::array<uint8_t, 256> exp{};
-  std::array<uint8_t, 256> log{};
-
-  constexpr GaloisField() {
-    int value = 1;
-    for (int i = 0; i < 255; ++i) {
-      exp[i] = static_cast<uint8_t>(value);
-      log[value] = static_cast<uint8_t>(i);
-      value <<= 1;
-      if (value >= 256) value ^= 0x12D;
-    }
-    exp[255] = exp[0];
-  }
-
-  constexpr uint8_t Multiply(uint8_t a, uint8_t b) const {
-    if (a == 0 || b == 0) return 0;
-    return exp[(log[a] + log[b]) % 255];
-  }
-};
-
-constexpr GaloisField kField;
+constexpr const auto& kField = kDataMatrixField;
 static_assert(kField.exp[8] == 0x2D, "2^8 reduces by 0x12D");
 
 }  // namespace

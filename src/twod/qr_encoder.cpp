@@ -4,6 +4,8 @@
 #include <cassert>
 #include <cstdlib>
 
+#include "twod/galois_field.h"
+
 namespace barcode_orv::qr_internal {
 namespace {
 
@@ -95,27 +97,9 @@ constexpr std::array<uint8_t, 15> kFormatRows = {8, 8, 8, 8, 8, 8, 8, 8, 7, 5, 4
 constexpr std::array<int, 21> kBalancePenalty = {90, 80, 70, 60, 50, 40, 30, 20, 10, 0, 0,
                                                  10, 20, 30, 40, 50, 60, 70, 80, 90, 90};
 
-// ---- GF(256) with the field polynomial x^8 + x^4 + x^3 + x^2 + 1 (0x11D) ----
+// ---- Reed-Solomon over GF(256) with the field polynomial 0x11D ----
 
-struct GaloisField {
-  std::array<uint8_t, 512> exp{};  // doubled so exp[a + b] needs no reduction
-  std::array<uint8_t, 256> log{};
-};
-
-constexpr GaloisField MakeGaloisField() {
-  GaloisField field;
-  int value = 1;
-  for (int power = 0; power < 255; ++power) {
-    field.exp[power] = static_cast<uint8_t>(value);
-    field.log[value] = static_cast<uint8_t>(power);
-    value <<= 1;
-    if (value & 0x100) value ^= 0x11D;
-  }
-  for (int power = 255; power < 512; ++power) field.exp[power] = field.exp[power - 255];
-  return field;
-}
-
-constexpr GaloisField kField = MakeGaloisField();
+constexpr const auto& kField = internal::kQrField;
 
 constexpr int kMaxEccPerBlock = 30;
 
@@ -124,11 +108,6 @@ constexpr int kMaxEccPerBlock = 30;
 struct GeneratorTable {
   std::array<std::array<uint8_t, kMaxEccPerBlock>, kMaxEccPerBlock + 1> log_coefficients{};
 };
-
-constexpr uint8_t GfMultiply(uint8_t a, uint8_t b) {
-  if (a == 0 || b == 0) return 0;
-  return kField.exp[kField.log[a] + kField.log[b]];
-}
 
 constexpr GeneratorTable MakeGeneratorTable() {
   GeneratorTable table;
@@ -139,7 +118,7 @@ constexpr GeneratorTable MakeGeneratorTable() {
     for (int root = 0; root < degree; ++root) {
       const uint8_t alpha = kField.exp[root];
       for (int i = root + 1; i >= 1; --i) {
-        coefficients[i] = static_cast<uint8_t>(coefficients[i] ^ GfMultiply(coefficients[i - 1], alpha));
+        coefficients[i] = static_cast<uint8_t>(coefficients[i] ^ kField.Multiply(coefficients[i - 1], alpha));
       }
     }
     for (int i = 0; i < degree; ++i) {

@@ -28,7 +28,14 @@ class Lattice {
  public:
   using Node = PathNode<Action>;
 
-  void Reset(size_t length) { nodes_.assign(length + 1, {}); }
+  Lattice() = default;
+  explicit Lattice(size_t length) { Reset(length); }
+
+  // Every position starts as a copy of one unreached column, which is cheaper than
+  // constructing each node in place.
+  void Reset(size_t length) { nodes_.assign(length + 1, std::array<Node, States>{}); }
+  std::array<Node, States>& operator[](size_t pos) { return nodes_[pos]; }
+  const std::array<Node, States>& operator[](size_t pos) const { return nodes_[pos]; }
   size_t length() const { return nodes_.empty() ? 0 : nodes_.size() - 1; }
 
   const Node& node(size_t pos, int state) const { return nodes_[pos][static_cast<size_t>(state)]; }
