@@ -258,6 +258,22 @@ std::string TextForEci(Rng& rng, int i) {
   return i % 3 == 0 ? Pieces({"caf\xC3\xA9", "\xC3\x84", "\xC3\xBF", "A1", " "}, 20)(rng, i) : JapaneseText(rng, i);
 }
 
+// The row reading the reader's text, and the symbology identifier when one is given.
+RoundTripRow AsText(RoundTripRow row, const char* identifier = nullptr) {
+  row.compare_bytes = false;
+  row.identifier = identifier;
+  return row;
+}
+
+// GS1 mode, every other payload in the standard profile or under a forced scheme.
+RoundTripRow::Setup Gs1(const char* scheme) {
+  return [scheme](BarcodeHandle* h, int i) {
+    barcode_set_gs1(h, 1);
+    if (scheme == nullptr) barcode_set_standard(h, i % 2);
+    if (scheme != nullptr && i % 2 == 0) barcode_set_encode_scheme(h, scheme);
+  };
+}
+
 RoundTripRow::Setup Dm(std::vector<const char*> schemes, const char* encoding = "utf-8") {
   return [schemes, encoding](BarcodeHandle* h, int i) {
     barcode_set_string_encoding(h, encoding);
@@ -395,39 +411,13 @@ std::vector<RoundTripRow> Rows() {
               barcode_set_qr_mask(h, i % 8);
               barcode_set_standard(h, i % 2);
             }),
-      [] {
-        RoundTripRow row = QrRow(
-            "QR Code GS1 element strings", 30, RandomGs1128String,
-            [](BarcodeHandle* h, int i) {
-              barcode_set_gs1(h, 1);
-              barcode_set_standard(h, i % 2);
-            },
-            ReadGs1128);
-        row.identifier = "]Q3";
-        return row;
-      }(),
-      [] {
-        RoundTripRow row = TwoDRow(
-            "DataMatrix GS1 element strings", BARCODE_DATAMATRIX, 30, RandomGs1128String,
-            [](BarcodeHandle* h, int i) {
-              barcode_set_gs1(h, 1);
-              barcode_set_encode_scheme(h, i % 3 == 0 ? "C40" : "AUTO");
-            },
-            0, ReadGs1128);
-        row.identifier = "]d2";
-        return row;
-      }(),
-      [] {
-        RoundTripRow row =
-            TwoDRow("DataMatrix declared ECI", BARCODE_DATAMATRIX, 12, TextForEci, DeclaredEci, 300, nullptr);
-        row.compare_bytes = false;
-        return row;
-      }(),
-      [] {
-        RoundTripRow row = TwoDRow("PDF417 declared ECI", BARCODE_PDF417, 12, TextForEci, DeclaredEci, 0, nullptr);
-        row.compare_bytes = false;
-        return row;
-      }(),
+      // GS1: FNC1 first (]Q3, ]d2) and as the separator, read back as GS; C40 writes it shifted.
+      AsText(QrRow("QR Code GS1 element strings", 30, RandomGs1128String, Gs1(nullptr), ReadGs1128), "]Q3"),
+      AsText(TwoDRow("DataMatrix GS1 element strings", BARCODE_DATAMATRIX, 30, RandomGs1128String, Gs1("C40"), 0,
+                     ReadGs1128),
+             "]d2"),
+      AsText(TwoDRow("DataMatrix declared ECI", BARCODE_DATAMATRIX, 12, TextForEci, DeclaredEci, 300)),
+      AsText(TwoDRow("PDF417 declared ECI", BARCODE_PDF417, 12, TextForEci, DeclaredEci)),
       TwoDRow("DataMatrix AUTO_RECT and AUTO_DMRE", BARCODE_DATAMATRIX, 24,
               Cycle({From(kDigits, 120), From(kUpper, 100), MixedText}),
               [](BarcodeHandle* h, int i) { barcode_set_code_size(h, i % 2 == 0 ? "AUTO_RECT" : "AUTO_DMRE"); }),
