@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "barcode_ffi.h"
+#include "gs1/gs1_element_string.h"
 #include "linear/code128_iso.h"
 #include "linear/gs1_128.h"
-#include "gs1/gs1_element_string.h"
 #include "support/c_api.h"
 
 namespace barcode_orv {

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "linear/barcode_base_1d.h"
 #include "gs1/gs1_element_string.h"
+#include "linear/barcode_base_1d.h"
 
 namespace barcode_orv {
 
