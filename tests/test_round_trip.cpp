@@ -374,11 +374,12 @@ std::vector<RoundTripRow> Rows() {
        [](const std::string& text) { return text + Mod10(text); }, false, barcode_draw_convenience},
       {"GS1 DataBar Expanded, random element strings", BARCODE_GS1_DATABAR_EXPANDED, Symbology::kDataBarExpanded, 150,
        RandomDataBarElementString, NoText, LinearBox([](size_t n) { return 24 * static_cast<int>(n) + 60; })},
-      {"QR Code, random bytes at every level", BARCODE_QR, Symbology::kQRCode, 60,
+      {"QR Code, random bytes at every level and mask", BARCODE_QR, Symbology::kQRCode, 60,
        [printable](Rng& rng, int) { return Random(rng, printable, 1, 300); },
        [](BarcodeHandle* h, int i) {
          barcode_set_error_correction_level(h, std::string(1, "LMQH"[i % 4]).c_str());
          barcode_set_fit_width(h, i % 5 == 0);
+         barcode_set_qr_mask(h, i % 9 - 1);  // -1 chooses
        },
        [](const std::string&, Rng& rng, int) {
          const int side = 200 + static_cast<int>(rng() % 250);
