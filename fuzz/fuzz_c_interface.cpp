@@ -123,7 +123,7 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
   const int number = in.ConsumeIntegral<int>();
   // New calls join existing cases without consuming more input, so that saved inputs
   // (the corpus, past crash reproducers) keep replaying the same call sequence.
-  switch (in.ConsumeIntegralInRange(0, 31)) {
+  switch (in.ConsumeIntegralInRange(0, 34)) {
     case 0: barcode_set_output_format(handle, c_text); break;
     case 1:
       barcode_set_foreground_color(handle, number, in.ConsumeIntegral<int>(), in.ConsumeIntegral<int>(),
@@ -185,6 +185,9 @@ void SetOption(BarcodeHandle* handle, FuzzedDataProvider& in) {
       (void)barcode_type_from_name(c_text);
       (void)barcode_type_description(number);
       break;
+    case 31: barcode_set_qr_mask(handle, in.ConsumeBool() ? number : in.ConsumeIntegralInRange(-2, 9)); break;
+    case 32: barcode_set_eci(handle, in.ConsumeBool() ? number : in.ConsumeIntegralInRange(-2, 35)); break;
+    case 33: barcode_set_gs1(handle, number); break;
     default: barcode_set_output_format(handle, in.ConsumeBool() ? "svg" : "png"); break;
   }
 }

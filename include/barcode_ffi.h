@@ -221,10 +221,27 @@ BARCODE_API void barcode_set_version(BarcodeHandle* handle, int version);
 /* QR error correction "L", "M" (default), "Q" or "H"; anything else means M. */
 BARCODE_API void barcode_set_error_correction_level(BarcodeHandle* handle, const char* level);
 /* QR mode "NUMERIC"/"N" or "BYTE"/"AUTO"/"B" (default); "ALPHANUMERIC"/"A" and
- * "KANJI"/"K" are carried in byte mode. */
+ * "KANJI"/"K" are carried in byte mode. The standard profile chooses numeric,
+ * alphanumeric, byte and Kanji segments itself (ISO/IEC 18004 section 7.4). */
 BARCODE_API void barcode_set_encode_mode(BarcodeHandle* handle, const char* mode);
-/* Data Matrix size "10x10" .. "144x144", "8x18" .. "16x48", or "AUTO" (default: the
- * smallest square size that holds the data). A fixed size too small makes draws fail. */
+/* QR mask pattern 0..7 forced, or -1 (default) to choose one: this library's scoring by
+ * default, the penalty rules of ISO/IEC 18004 in the standard profile. Other values make
+ * draws fail. */
+BARCODE_API void barcode_set_qr_mask(BarcodeHandle* handle, int mask);
+/* QR Code, Data Matrix and PDF417: declare ECI 0..999999 (3 ISO-8859-1, 20 Shift_JIS,
+ * 26 UTF-8, ...) and carry the text in its character set; -1 (default) declares none
+ * (QR's standard profile declares UTF-8 or Shift_JIS where byte segments need it). Other
+ * values, and text without a form in the character set, make draws fail. */
+BARCODE_API void barcode_set_eci(BarcodeHandle* handle, int eci);
+/* QR Code and Data Matrix: 1 takes the text as a GS1 element string "(01)...(17)...",
+ * validated against the GS1 AI table and carried with FNC1 in first position and as
+ * separator (read as ]Q3 / ]d2); 0 (default) plain text. */
+BARCODE_API void barcode_set_gs1(BarcodeHandle* handle, int on);
+/* Data Matrix size "10x10" .. "144x144", "8x18" .. "16x48", the DMRE sizes of ISO/IEC
+ * 21471 "8x48" .. "26x64", or the automatic choice: "AUTO" (default: the smallest square
+ * size that holds the data), "AUTO_RECT" (squares and the six rectangles) or "AUTO_DMRE"
+ * (the DMRE sizes too), the smallest area winning. A fixed size too small makes draws
+ * fail; an unknown name means AUTO, and in the standard profile makes draws fail. */
 BARCODE_API void barcode_set_code_size(BarcodeHandle* handle, const char* size);
 /* Data Matrix scheme "ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256", or "AUTO"
  * (default: the shortest codeword stream over all schemes). */

@@ -12,6 +12,7 @@
 
 #include "support/zxing_decode.h"
 #include "twod/qr_encoder.h"
+#include "twod/qr_segments.h"
 
 namespace barcode_orv::qr_internal {
 namespace {
@@ -171,6 +172,62 @@ TEST(QrMask, LowestPenaltyWinsAndTiesGoToLowerNumber) {
   };
   for (const auto& [best, runner_up, chosen] : cases)
     EXPECT_EQ(QRCodeChooseMaskNumber(Contest(best, runner_up)), chosen) << int(best);
+}
+
+// ---- Segments (ISO/IEC 18004 sections 7.3, 7.4) and the section 7.8.3 penalty ----
+
+// Streams worked out by hand: modes, the ECI written and the bit count at versions 1-9.
+TEST(QrSegments, ShortestStreams) {
+  const std::tuple<const char*, int, bool, std::vector<int>, int, int> cases[] = {
+      {"01234567", kEciUtf8, false, {kNumericMode}, -1, 4 + 10 + 27},
+      {"AC-42", kEciUtf8, false, {kAlphanumericMode}, -1, 4 + 9 + 2 * 11 + 6},
+      {"ABC12345678901234", kEciUtf8, false, {kAlphanumericMode, kNumericMode}, -1, 30 + 61},
+      {"\xE6\x97\xA5\xE6\x9C\xAC", kEciUtf8, false, {kKanjiMode}, -1, 4 + 8 + 2 * 13},  // UTF-8 kanji
+      {"\x93\xFA\x96\x7B", kEciShiftJis, false, {kKanjiMode}, -1, 4 + 8 + 2 * 13},      // Shift_JIS
+      {"caf\xC3\xA9", kEciUtf8, false, {kByteMode}, kEciUtf8, 12 + 4 + 8 + 5 * 8},
+      {"\xB1", kEciShiftJis, false, {kByteMode}, kEciShiftJis, 12 + 4 + 8 + 8},  // half-width katakana
+      {"0112345678901231", kEciUtf8, true, {kNumericMode}, -1, 4 + 4 + 10 + 5 * 10 + 4},
+      {"10AB\x1D"
+       "21X",
+       kEciUtf8,
+       true,
+       {kAlphanumericMode},
+       -1,
+       4 + 4 + 9 + 4 * 11},  // GS as '%'
+  };
+  for (const auto& [text, charset, gs1, modes, eci, bits] : cases) {
+    StreamRequest request;
+    request.charset_eci = charset;
+    request.gs1 = gs1;
+    const Stream stream = BuildStream(Bytes(text), request);
+    std::vector<int> got;
+    for (const Segment& segment : stream.segments) got.push_back(segment.mode);
+    EXPECT_EQ(got, modes) << text;
+    EXPECT_EQ(stream.eci, eci) << text;
+    EXPECT_EQ(stream.bits, bits) << text;
+  }
+}
+
+ModuleMatrix Picture(const std::vector<std::string>& rows) {
+  ModuleMatrix matrix(static_cast<int>(rows.size()));
+  for (size_t row = 0; row < rows.size(); ++row) {
+    for (size_t col = 0; col < rows.size(); ++col)
+      matrix.set(static_cast<int>(col), static_cast<int>(row), rows[row][col] == '#');
+  }
+  return matrix;
+}
+
+TEST(QrMask, IsoPenaltyRules) {
+  std::vector<std::string> finder(11, "...........");
+  finder[5] = "#.###.#....";
+  const std::tuple<const char*, std::vector<std::string>, int> cases[] = {
+      // N1 10 runs of 5 (30), N2 16 blocks (48), N4 no dark module (100).
+      {"all light", std::vector<std::string>(5, "....."), 178},
+      {"checkerboard", {"#.#.#.", ".#.#.#", "#.#.#.", ".#.#.#", "#.#.#.", ".#.#.#"}, 0},
+      // N1 174, N2 86 blocks (258), N3 light beyond the edge and after it (80), N4 5 of 121 (90).
+      {"finder-like row", finder, 602},
+  };
+  for (const auto& [name, rows, penalty] : cases) EXPECT_EQ(IsoPenalty(Picture(rows)), penalty) << name;
 }
 
 // ---- Round trips through an independent reader ----

@@ -65,11 +65,12 @@ struct RoundTripRow {
   Expected expected = nullptr;  // what the reader returns for `text` (null: the text itself)
   bool compare_bytes = false;   // compare the payload bytes instead of the reader's text
   Draw draw = barcode_draw_1d;
-  int module_pixels = 0;  // matrix and stacked rows: draw at the symbol's own shape, this
-                          // many pixels a module (the box is then ignored)
-  bool binary = false;    // the payload's bytes go through the class's byte entry point
-  bool at_xdim = false;   // the setup sets an X-dimension: the box is 0 x 0 (the natural size)
-  bool turned = false;    // the setup may turn the picture a quarter turn
+  int module_pixels = 0;             // matrix and stacked rows: draw at the symbol's own shape, this
+                                     // many pixels a module (the box is then ignored)
+  bool binary = false;               // the payload's bytes go through the class's byte entry point
+  const char* identifier = nullptr;  // the symbology identifier the reader must report (GS1: ]Q3, ]d2)
+  bool at_xdim = false;              // the setup sets an X-dimension: the box is 0 x 0 (the natural size)
+  bool turned = false;               // the setup may turn the picture a quarter turn
 };
 
 std::function<Box(const std::string&, Rng&, int)> LinearBox(std::function<int(size_t length)> modules) {
@@ -235,6 +236,46 @@ RoundTripRow TwoDRow(const char* name, int type, int payloads, RoundTripRow::Pay
   return row;
 }
 
+// A QR row read back as text in a box with room for the symbol and its quiet zone.
+RoundTripRow QrRow(const char* name, int payloads, RoundTripRow::Payload payload, RoundTripRow::Setup setup,
+                   RoundTripRow::Expected expected = nullptr) {
+  RoundTripRow row{name,           BARCODE_QR, Symbology::kQRCode, payloads, std::move(payload), std::move(setup),
+                   Fixed(600, 600)};
+  row.expected = std::move(expected);
+  row.draw = barcode_draw_2d_rect;
+  return row;
+}
+
+const RoundTripRow::Payload UpperWithDigits = Pieces({"ABC", "XYZ", "Q", "1234567", "89", "0", " ", "-", ".", ":"}, 30);
+const RoundTripRow::Payload KanaAndKanji = Pieces({"\xE3\x81\x82", "\xE3\x82\x93", "\xE3\x82\xAB", "\xE3\x83\x8A",
+                                                   "\xE6\x9D\xB1", "\xE4\xBA\xAC", "\xE9\xA7\x85", "\xE8\xA9\xB1"},
+                                                  60);
+// Latin-1 letters beside kana: byte segments that need ECI 26; half-width katakana too.
+const RoundTripRow::Payload WithLatin1 =
+    Pieces({"caf\xC3\xA9", "\xC3\x84", "\xE3\x81\x82", "\xEF\xBD\xB1", "2026", "ABC", "abc"}, 20);
+
+// ECI 3 (ISO-8859-1), 20 (Shift_JIS) and 26 (UTF-8), each on a text its set holds.
+void DeclaredEci(BarcodeHandle* h, int i) { barcode_set_eci(h, i % 3 == 0 ? 3 : i % 3 == 1 ? 20 : 26); }
+std::string TextForEci(Rng& rng, int i) {
+  return i % 3 == 0 ? Pieces({"caf\xC3\xA9", "\xC3\x84", "\xC3\xBF", "A1", " "}, 20)(rng, i) : JapaneseText(rng, i);
+}
+
+// The row reading the reader's text, and the symbology identifier when one is given.
+RoundTripRow AsText(RoundTripRow row, const char* identifier = nullptr) {
+  row.compare_bytes = false;
+  row.identifier = identifier;
+  return row;
+}
+
+// GS1 mode, every other payload in the standard profile or under a forced scheme.
+RoundTripRow::Setup Gs1(const char* scheme) {
+  return [scheme](BarcodeHandle* h, int i) {
+    barcode_set_gs1(h, 1);
+    if (scheme == nullptr) barcode_set_standard(h, i % 2);
+    if (scheme != nullptr && i % 2 == 0) barcode_set_encode_scheme(h, scheme);
+  };
+}
+
 RoundTripRow::Setup Dm(std::vector<const char*> schemes, const char* encoding = "utf-8") {
   return [schemes, encoding](BarcodeHandle* h, int i) {
     barcode_set_string_encoding(h, encoding);
@@ -362,11 +403,12 @@ std::vector<RoundTripRow> Rows() {
        [](const std::string& text) { return text + Mod10(text); }, false, barcode_draw_convenience},
       {"GS1 DataBar Expanded, random element strings", BARCODE_GS1_DATABAR_EXPANDED, Symbology::kDataBarExpanded, 150,
        RandomDataBarElementString, NoText, LinearBox([](size_t n) { return 24 * static_cast<int>(n) + 60; })},
-      {"QR Code, random bytes at every level", BARCODE_QR, Symbology::kQRCode, 60,
+      {"QR Code, random bytes at every level and mask", BARCODE_QR, Symbology::kQRCode, 60,
        [printable](Rng& rng, int) { return Random(rng, printable, 1, 300); },
        [](BarcodeHandle* h, int i) {
          barcode_set_error_correction_level(h, std::string(1, "LMQH"[i % 4]).c_str());
          barcode_set_fit_width(h, i % 5 == 0);
+         barcode_set_qr_mask(h, i % 9 - 1);  // -1 chooses
        },
        [](const std::string&, Rng& rng, int) {
          const int side = 200 + static_cast<int>(rng() % 250);
@@ -382,6 +424,33 @@ std::vector<RoundTripRow> Rows() {
          barcode_set_version(h, kVersions[i % 4]);
        },
        Fixed(500, 500)},
+      // The standard form: numeric, alphanumeric, byte and Kanji segments, ECI 26 or 20 where
+      // byte segments carry more than ASCII, UTF-8 and Shift_JIS input, every level, the
+      // ISO/IEC 18004 mask rules.
+      QrRow("QR Code segments, Kanji and ECI", 64,
+            Cycle({JapaneseText, KanaAndKanji, UpperWithDigits, MixedText, WithLatin1}),
+            [](BarcodeHandle* h, int i) {
+              barcode_set_standard(h, 1);
+              barcode_set_error_correction_level(h, std::string(1, "LMQH"[i % 4]).c_str());
+              // Shift_JIS input for the texts that have a Shift_JIS form (the first two kinds).
+              if (i % 10 < 2) barcode_set_string_encoding(h, "shift-jis");
+            }),
+      QrRow("QR Code declared ECI and forced masks", 24, TextForEci,
+            [](BarcodeHandle* h, int i) {
+              DeclaredEci(h, i);
+              barcode_set_qr_mask(h, i % 8);
+              barcode_set_standard(h, i % 2);
+            }),
+      // GS1: FNC1 first (]Q3, ]d2) and as the separator, read back as GS; C40 writes it shifted.
+      AsText(QrRow("QR Code GS1 element strings", 30, RandomGs1128String, Gs1(nullptr), ReadGs1128), "]Q3"),
+      AsText(TwoDRow("DataMatrix GS1 element strings", BARCODE_DATAMATRIX, 30, RandomGs1128String, Gs1("C40"), 0,
+                     ReadGs1128),
+             "]d2"),
+      AsText(TwoDRow("DataMatrix declared ECI", BARCODE_DATAMATRIX, 12, TextForEci, DeclaredEci, 300)),
+      AsText(TwoDRow("PDF417 declared ECI", BARCODE_PDF417, 12, TextForEci, DeclaredEci)),
+      TwoDRow("DataMatrix AUTO_RECT and AUTO_DMRE", BARCODE_DATAMATRIX, 24,
+              Cycle({From(kDigits, 120), From(kUpper, 100), MixedText}),
+              [](BarcodeHandle* h, int i) { barcode_set_code_size(h, i % 2 == 0 ? "AUTO_RECT" : "AUTO_DMRE"); }),
       // Every scheme, chosen automatically and forced, each on a character set it favours.
       TwoDRow("DataMatrix automatic", BARCODE_DATAMATRIX, 42,
               Cycle({From(kDigits, 120), From(kUpper, 120), From(kLower, 120), From(kX12, 120), From(kEdifact, 120),
@@ -392,8 +461,9 @@ std::vector<RoundTripRow> Rows() {
               Dm({"ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256"}), 300),
       TwoDRow("DataMatrix Shift_JIS", BARCODE_DATAMATRIX, 10, JapaneseText, Dm({"AUTO"}, "shift-jis"), 300, ToShiftJis),
       TwoDRow("DataMatrix binary", BARCODE_DATAMATRIX, 20, RandomBytes, Dm({"AUTO", "BASE256"}), 300, nullptr, true),
-      // Every size filled with its largest digit string (two digits a codeword); 144 x 144
-      // reads only with its error-correction blocks interleaved in the rotated order.
+      // Every size filled with its largest digit string (two digits a codeword), the DMRE
+      // sizes of ISO/IEC 21471 included; 144 x 144 reads only with its error-correction
+      // blocks interleaved in the rotated order.
       TwoDRow(
           "DataMatrix every size full", BARCODE_DATAMATRIX, internal::kDataMatrixSizeCount,
           [](Rng& rng, int i) {
@@ -475,6 +545,9 @@ TEST_P(RoundTripTest, EveryPayloadScans) {
     EXPECT_TRUE(result.ok && got == expected)
         << "payload " << i << " '" << text << "' in " << box.width << "x" << box.height << " read '" << got << "' as "
         << result.symbology_identifier;
+    if (row.identifier != nullptr) {
+      EXPECT_EQ(result.symbology_identifier, row.identifier) << text;
+    }
     decoded += result.ok && got == expected ? 1 : 0;
   }
   EXPECT_EQ(decoded, row.payloads);
@@ -505,6 +578,9 @@ TEST_P(RoundTripTest, StandardProfileReadsBackOrRefuses) {
     const std::string& got = row.compare_bytes || row.binary ? result.bytes : result.text;
     EXPECT_TRUE(result.ok && got == expected)
         << "payload " << i << " '" << text << "' in " << box.width << "x" << box.height << " read '" << got << "'";
+    if (row.identifier != nullptr) {
+      EXPECT_EQ(result.symbology_identifier, row.identifier) << text;
+    }
     decoded += result.ok && got == expected ? 1 : 0;
   }
   // Refusals are for boxes and texts that cannot work, not the norm.

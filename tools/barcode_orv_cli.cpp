@@ -179,9 +179,12 @@ Handler KeywordSetter(Setter setter, std::vector<std::string> accepted) {
 const std::vector<std::string> kFormats = {"png", "jpg", "jpeg", "svg"};
 const std::vector<std::string> kDrawKinds = {"1d", "2d", "2d-rect", "yubin", "yubin-width", "convenience", "stacked"};
 const std::vector<std::string> kDataMatrixSizes = {
-    "AUTO",    "10x10",   "12x12",   "14x14", "16x16", "18x18", "20x20", "22x22", "24x24", "26x26", "32x32",
-    "36x36",   "40x40",   "44x44",   "48x48", "52x52", "64x64", "72x72", "80x80", "88x88", "96x96", "104x104",
-    "120x120", "132x132", "144x144", "8x18",  "8x32",  "12x26", "12x36", "16x36", "16x48"};
+    "AUTO", "10x10", "12x12", "14x14", "16x16", "18x18", "20x20", "22x22", "24x24", "26x26", "32x32", "36x36", "40x40",
+    "44x44", "48x48", "52x52", "64x64", "72x72", "80x80", "88x88", "96x96", "104x104", "120x120", "132x132", "144x144",
+    "8x18", "8x32", "12x26", "12x36", "16x36", "16x48",
+    // DMRE (ISO/IEC 21471) and the automatic choices that include rectangles
+    "8x48", "8x64", "8x80", "8x96", "8x120", "8x144", "12x64", "12x88", "16x64", "20x36", "20x44", "20x64", "22x48",
+    "24x48", "24x64", "26x40", "26x48", "26x64", "AUTO_RECT", "AUTO_DMRE"};
 
 template <typename Setter>
 Handler ColorSetter(Setter setter) {
@@ -294,6 +297,14 @@ const std::vector<Section>& Sections() {
             KeywordSetter(barcode_set_string_encoding, {"utf-8", "UTF-8", "shift-jis", "Shift-JIS", "shift_jis"})},
            {"--binary", nullptr, "TEXT '-': standard input drawn as raw bytes, NUL included", "barcode_draw_2d_bytes",
             Flag([](Request& r) { r.binary = true; })},
+           {"--eci", "N",
+            "declare ECI N (3 ISO-8859-1, 20 Shift_JIS, 26 UTF-8, ...) and carry the text in its character set",
+            "barcode_set_eci", IntSetter(barcode_set_eci, 0, 999999)},
+           {"--gs1", nullptr, "QR Code, Data Matrix: TEXT is a GS1 element string, e.g. (01)09501101530003(17)261231",
+            "barcode_set_gs1",
+            Flag([](Request& r) { r.options.emplace_back([](BarcodeHandle* h) { barcode_set_gs1(h, 1); }); })},
+           {"--mask", "N", "QR mask pattern 0-7 (default: chosen)", "barcode_set_qr_mask",
+            IntSetter(barcode_set_qr_mask, 0, 7)},
            {"--qr-version", "N", "QR version 1-40 (0: the smallest that fits)", "barcode_set_version",
             IntSetter(barcode_set_version, 0, 40)},
            {"--error-correction", "L", "QR level L, M, Q or H", "barcode_set_error_correction_level",
@@ -301,8 +312,8 @@ const std::vector<Section>& Sections() {
            {"--encode-mode", "MODE", "QR mode NUMERIC, ALPHANUMERIC, BYTE, KANJI or AUTO", "barcode_set_encode_mode",
             KeywordSetter(barcode_set_encode_mode,
                           {"NUMERIC", "N", "ALPHANUMERIC", "A", "BYTE", "B", "AUTO", "KANJI", "K"})},
-           {"--code-size", "SIZE", "Data Matrix size, e.g. 24x24, or AUTO", "barcode_set_code_size",
-            KeywordSetter(barcode_set_code_size, kDataMatrixSizes)},
+           {"--code-size", "SIZE", "Data Matrix size, e.g. 24x24 or 8x48 (DMRE), or AUTO, AUTO_RECT, AUTO_DMRE",
+            "barcode_set_code_size", KeywordSetter(barcode_set_code_size, kDataMatrixSizes)},
            {"--encode-scheme", "S", "Data Matrix ASCII, C40, TEXT, X12, EDIFACT, BASE256 or AUTO",
             "barcode_set_encode_scheme",
             KeywordSetter(barcode_set_encode_scheme, {"ASCII", "C40", "TEXT", "X12", "EDIFACT", "BASE256", "AUTO"})},

@@ -40,12 +40,15 @@ const char* ModeFromText(const char* text) {
   return text;
 }
 
-// "AUTO" and every unknown text mean the automatic size.
-int CodeSizeFromText(const char* text) {
+// "AUTO" and every unknown text mean the automatic size (an unknown one is remembered).
+void SetCodeSizeFromText(DataMatrix& object, const char* text) {
   for (int i = 0; i < barcode_orv::internal::kDataMatrixSizeCount; ++i) {
-    if (Is(text, barcode_orv::internal::kDataMatrixSizes[i].name)) return i;
+    if (Is(text, barcode_orv::internal::kDataMatrixSizes[i].name)) return object.SetCodeSize(i);
   }
-  return barcode_orv::internal::kAutoSize;
+  if (Is(text, "AUTO_RECT")) return object.SetCodeSize(barcode_orv::internal::kAutoRect);
+  if (Is(text, "AUTO_DMRE")) return object.SetCodeSize(barcode_orv::internal::kAutoDmre);
+  if (Is(text, "AUTO")) return object.SetCodeSize(barcode_orv::internal::kAutoSize);
+  object.SetUnknownCodeSize(text);
 }
 
 int SchemeFromText(const char* text) {
@@ -82,9 +85,21 @@ void barcode_set_encode_mode(BarcodeHandle* handle, const char* mode) {
   GuardSetter([&] { object->SetEncodeMode(std::string(ModeFromText(mode))); });
 }
 
+void barcode_set_qr_mask(BarcodeHandle* handle, int mask) {
+  if (QR* object = ObjectFor<PartOf("barcode_set_qr_mask")>(handle)) object->SetMask(mask);
+}
+
+void barcode_set_eci(BarcodeHandle* handle, int eci) {
+  if (BarcodeBase2D* object = ObjectFor<PartOf("barcode_set_eci")>(handle)) object->SetEci(eci);
+}
+
+void barcode_set_gs1(BarcodeHandle* handle, int on) {
+  if (BarcodeBase2D* object = ObjectFor<PartOf("barcode_set_gs1")>(handle)) object->SetGs1(on != 0);
+}
+
 void barcode_set_code_size(BarcodeHandle* handle, const char* size) {
   DataMatrix* object = ObjectFor<PartOf("barcode_set_code_size")>(handle);
-  if (object != nullptr && size != nullptr) object->SetCodeSize(CodeSizeFromText(size));
+  if (object != nullptr && size != nullptr) GuardSetter([&] { SetCodeSizeFromText(*object, size); });
 }
 
 void barcode_set_encode_scheme(BarcodeHandle* handle, const char* scheme) {

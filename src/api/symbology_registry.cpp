@@ -71,9 +71,9 @@ constexpr Symbology kSymbologies[] = {
                             kDrawStacked, kTextLine | kExpandedForm),
     Row<YubinCustomer>(BARCODE_YUBIN_CUSTOMER, "yubin", "Japan Post customer barcode", Family::kPostal, kDrawYubin,
                        kTextLine),
-    Row<QR>(BARCODE_QR, "qr", "QR Code", kTwoD, kDraw2D, kStringEncoding | kQrSettings),
+    Row<QR>(BARCODE_QR, "qr", "QR Code", kTwoD, kDraw2D, kStringEncoding | kQrSettings | kGs1Mode),
     Row<DataMatrix>(BARCODE_DATAMATRIX, "datamatrix", "Data Matrix", kTwoD, kDraw2D,
-                    kStringEncoding | kDataMatrixSettings),
+                    kStringEncoding | kDataMatrixSettings | kGs1Mode),
     Row<PDF417>(BARCODE_PDF417, "pdf417", "PDF417", kTwoD, kDraw2D, kStringEncoding | kPdf417Settings),
 };
 

@@ -53,7 +53,8 @@ constexpr uint32_t kQrSettings = 1U << 11;          // QR
 constexpr uint32_t kDataMatrixSettings = 1U << 12;  // DataMatrix
 constexpr uint32_t kPdf417Settings = 1U << 13;      // PDF417
 constexpr uint32_t kBearerBars = 1U << 14;          // ITF
-constexpr int kPartCount = 15;
+constexpr uint32_t kGs1Mode = 1U << 15;             // BarcodeBase2D: QR Code and Data Matrix
+constexpr int kPartCount = 16;
 
 // The class a part is served by: a handle whose row takes the part holds an object of it.
 template <uint32_t kPart>
@@ -119,6 +120,10 @@ struct PartClass<kPdf417Settings> {
   using type = PDF417;
 };
 template <>
+struct PartClass<kGs1Mode> {
+  using type = BarcodeBase2D;
+};
+template <>
 struct PartClass<kBearerBars> {
   using type = ITF;
 };
@@ -168,6 +173,9 @@ inline constexpr Function kFunctions[] = {
     {"barcode_set_symbol_type_exp", kExpandedForm},
     {"barcode_set_no_of_columns", kExpandedForm},
     {"barcode_set_string_encoding", kStringEncoding},
+    {"barcode_set_eci", kStringEncoding},
+    {"barcode_set_gs1", kGs1Mode},
+    {"barcode_set_qr_mask", kQrSettings},
     {"barcode_set_version", kQrSettings},
     {"barcode_set_error_correction_level", kQrSettings},
     {"barcode_set_encode_mode", kQrSettings},

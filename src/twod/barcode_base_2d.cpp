@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "core/log.h"
+#include "gs1/gs1_element_string.h"
+#include "twod/eci.h"
 
 namespace barcode_orv {
 namespace {
@@ -74,7 +76,35 @@ BarcodeBase2D::BarcodeBase2D(std::string output_format) : BarcodeBase(std::move(
 
 BarcodeBase2D::BarcodeBase2D(SDL_Renderer* canvas) : BarcodeBase(canvas) {}
 
+bool BarcodeBase2D::CarriesShiftJis() const { return IsShiftJisSetting(string_encoding_); }
+
+std::string BarcodeBase2D::PayloadForSettings(const std::string& text, std::vector<uint8_t>& bytes) const {
+  std::string problem = internal::EciProblem(eci_);
+  if (!problem.empty()) return problem;
+  if (gs1_) {
+    if (eci_ != internal::kEciNone) return "GS1 data is carried without an ECI";
+    try {
+      const std::string data = internal::Gs1Concatenated(internal::ParseGs1ElementString(text));
+      bytes.assign(data.begin(), data.end());
+    } catch (const std::exception& error) {
+      return std::string("GS1: ") + error.what();
+    }
+    return "";
+  }
+  internal::ConvertForEci(text, eci_, bytes, problem);
+  return problem;
+}
+
 bool BarcodeBase2D::Draw(const std::string& text, int x, int y, int width, int height) {
+  if (gs1_ || eci_ != internal::kEciNone) {
+    std::vector<uint8_t> bytes;
+    const std::string problem = PayloadForSettings(text, bytes);
+    if (!problem.empty()) {
+      log::Error(LogPrefix() + problem);
+      return false;
+    }
+    return DrawBytes(bytes, x, y, width, height);
+  }
   const std::vector<uint8_t> bytes = ConvertStringToBytes(text, string_encoding_);
   if (bytes.empty() && !text.empty()) {
     const std::string problem = LogPrefix() + ConversionProblem(text, string_encoding_);

@@ -29,6 +29,16 @@ class BarcodeBase2D : public BarcodeBase {
   // The symbology's real drawing routine (raster or SVG by output format).
   virtual bool Draw(const std::vector<uint8_t>& data, int x, int y, int width, int height) = 0;
 
+  // ECI 0..999999 declared in the symbol, the text converted into its character set
+  // (twod/eci.h); -1, the default, declares none (QR's standard form declares UTF-8 or
+  // Shift_JIS where its byte segments need it).
+  void SetEci(int eci) { eci_ = eci; }
+  int GetEci() const { return eci_; }
+  // GS1 mode: the text is an element string "(01)...(17)...", validated and carried with
+  // FNC1 in first position and as separator.
+  void SetGs1(bool on) { gs1_ = on; }
+  bool GetGs1() const { return gs1_; }
+
   void SetStringEncoding(const std::string& encoding) { string_encoding_ = encoding; }
   void SetStringEncoding(StringEncoding encoding);
   std::string GetStringEncoding() const { return string_encoding_; }
@@ -48,6 +58,8 @@ class BarcodeBase2D : public BarcodeBase {
   static std::vector<uint8_t> ConvertToSJis(const std::string& text);
   static std::vector<uint8_t> convertUTF8(const std::string& text);
   static std::vector<uint8_t> convertShiftJIS(const std::string& text);
+  // True when the string-encoding setting names Shift_JIS.
+  bool CarriesShiftJis() const;
 
  protected:
   // Shared painting of a module matrix, raster and SVG: by default no quiet zone, the
@@ -104,7 +116,12 @@ class BarcodeBase2D : public BarcodeBase {
   // Offset of the first character iconv cannot convert from `from` to `to`.
   static size_t FirstUnconvertible(const std::string& text, const char* from, const char* to);
 
+  // The bytes of `text` under the ECI and GS1 settings; "" or why there are none.
+  std::string PayloadForSettings(const std::string& text, std::vector<uint8_t>& bytes) const;
+
   std::string string_encoding_ = "utf-8";
+  int eci_ = -1;
+  bool gs1_ = false;
 };
 
 }  // namespace barcode_orv

@@ -1,9 +1,11 @@
 #include "twod/datamatrix.h"
 
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "core/log.h"
+#include "twod/eci.h"
 
 namespace barcode_orv {
 
@@ -13,7 +15,13 @@ DataMatrix::DataMatrix(SDL_Renderer* canvas) : BarcodeBase2D(canvas) {}
 
 internal::DataMatrixSymbol DataMatrix::Encode(const std::vector<uint8_t>& data) const {
   if (data.empty()) return {};
-  return internal::EncodeDataMatrix(data, code_size_, static_cast<internal::Encodation>(encode_scheme_));
+  if (standard_profile && !unknown_size_.empty()) throw std::runtime_error("Unknown size '" + unknown_size_ + "'");
+  const std::string eci_problem = internal::EciProblem(GetEci());
+  if (!eci_problem.empty()) throw std::runtime_error(eci_problem);
+  internal::DataMatrixOptions options;
+  options.gs1 = GetGs1();
+  options.eci = GetEci();
+  return internal::EncodeDataMatrix(data, code_size_, static_cast<internal::Encodation>(encode_scheme_), options);
 }
 
 bool DataMatrix::EncodeReporting(const std::vector<uint8_t>& data, internal::DataMatrixSymbol& symbol) const {

@@ -17,9 +17,19 @@ class DataMatrix : public BarcodeBase2D {
   explicit DataMatrix(std::string output_format);
   explicit DataMatrix(SDL_Renderer* canvas);  // draws onto the caller's renderer
 
-  // 0..29 a fixed size (see internal::kDataMatrixSizes); anything else the smallest
-  // square size that holds the data.
-  void SetCodeSize(int size) { code_size_ = size; }
+  // 0..47 a fixed size (see internal::kDataMatrixSizes), kAutoRect or kAutoDmre the
+  // smallest area among more sizes; anything else the smallest square size that holds
+  // the data.
+  void SetCodeSize(int size) {
+    code_size_ = size;
+    unknown_size_.clear();
+  }
+  // A size name the setter does not know: the automatic size, as always, except in the
+  // standard profile, which refuses to draw and names it.
+  void SetUnknownCodeSize(const std::string& name) {
+    code_size_ = internal::kAutoSize;
+    unknown_size_ = name;
+  }
   int GetCodeSize() const { return code_size_; }
   // 0..5 ASCII, C40, Text, X12, EDIFACT, Base 256; anything else automatic.
   void SetEncodeScheme(int scheme) { encode_scheme_ = scheme; }
@@ -47,6 +57,7 @@ class DataMatrix : public BarcodeBase2D {
   bool EncodeReporting(const std::vector<uint8_t>& data, internal::DataMatrixSymbol& symbol) const;
 
   int code_size_ = internal::kAutoSize;
+  std::string unknown_size_;
   int encode_scheme_ = static_cast<int>(internal::Encodation::kAuto);
 };
 

@@ -8,6 +8,9 @@
 #include <string>
 #include <string_view>
 
+#include "twod/galois_field.h"
+#include "twod/shortest_path.h"
+
 namespace barcode_orv::internal {
 namespace {
 
@@ -22,6 +25,10 @@ constexpr uint8_t kLatchEdifact = 240;
 constexpr uint8_t kUnlatch = 254;
 constexpr uint8_t kEdifactUnlatch = 31;
 constexpr int kDigitPairBase = 130;
+constexpr uint8_t kFnc1 = 232;
+constexpr uint8_t kEci = 241;
+constexpr uint8_t kShift2Fnc1 = 27;
+constexpr uint8_t kGroupSeparator = 0x1D;
 
 // ---- The search graph ----
 //
@@ -32,7 +39,7 @@ constexpr int kDigitPairBase = 130;
 constexpr int kUnit = 12;
 constexpr int kTripleValueCost = 8;
 constexpr int kEdifactValueCost = 9;
-constexpr int kInfinity = INT_MAX / 2;
+constexpr int kInfinity = kUnreachable;
 // Characters a forced scheme may leave to ASCII at the end of the data.
 constexpr size_t kForcedAsciiTail = 4;
 
@@ -50,12 +57,7 @@ static_assert(StateOf(kEdifactMode, 3) == kStateCount - 1, "EDIFACT's last state
 
 enum class Action : uint8_t { kNone, kAsciiChar, kDigitPair, kLatch, kUnlatch, kModeChar, kBase256 };
 
-struct Node {
-  int cost = kInfinity;
-  int from_pos = -1;
-  int from_state = -1;
-  Action action = Action::kNone;
-};
+using Node = PathNode<Action>;
 
 bool IsDigit(uint8_t c) { return c >= '0' && c <= '9'; }
 
@@ -202,14 +204,13 @@ const char* EncodationName(Encodation scheme) {
 struct DataMatrixEncodation::Search {
   std::vector<uint8_t> data;
   Encodation scheme = Encodation::kAuto;
-  std::vector<std::array<Node, kStateCount>> nodes;  // per position 0..n
+  bool gs1 = false;                    // Base 256 would carry the separators as plain GS
+  Lattice<Action, kStateCount> nodes;  // per position 0..n
 
   size_t size() const { return data.size(); }
 
   void Relax(size_t pos, int state, int cost, size_t from_pos, int from_state, Action action) {
-    Node& node = nodes[pos][state];
-    if (cost >= node.cost) return;
-    node = {cost, static_cast<int>(from_pos), from_state, action};
+    nodes.Relax(pos, state, cost, from_pos, from_state, action);
   }
 
   bool Forced() const { return scheme != Encodation::kAuto; }
@@ -224,7 +225,7 @@ struct DataMatrixEncodation::Search {
 
   void Run() {
     const size_t n = size();
-    nodes.assign(n + 1, {});
+    nodes.Reset(n);
     const Mode forced = ForcedMode(scheme);
     if (forced == kAsciiMode || n == 0) {
       nodes[0][StateOf(kAsciiMode, 0)].cost = 0;
@@ -308,7 +309,7 @@ struct DataMatrixEncodation::Search {
       }
       return;
     }
-    if (Forced()) return;
+    if (Forced() || gs1) return;
     const size_t newest = end - 1;
     if (nodes[newest][ascii].cost < kInfinity) {
       while (!starts.near.empty() && StartKey(starts.near.back()) >= StartKey(newest)) starts.near.pop_back();
@@ -418,9 +419,14 @@ namespace {
 // standard lets the end of the symbol stand in for an unlatch.
 class CodewordWriter {
  public:
-  CodewordWriter(const std::vector<uint8_t>& data, int capacity) : data_(data), capacity_(capacity) {}
+  CodewordWriter(const std::vector<uint8_t>& data, int capacity, const std::vector<uint8_t>& prefix, bool gs1)
+      : data_(data), capacity_(capacity), gs1_(gs1), out_(prefix) {}
 
   void AsciiChar(uint8_t c) {
+    if (gs1_ && c == kGroupSeparator) {
+      out_.push_back(kFnc1);
+      return;
+    }
     if (c >= 128) {
       out_.push_back(kUpperShift);
       c = static_cast<uint8_t>(c - 128);
@@ -449,7 +455,12 @@ class CodewordWriter {
 
   void ModeChar(size_t pos) {
     uint8_t values[4];
-    const int count = ModeValues(mode_, data_[pos], values);
+    int count = ModeValues(mode_, data_[pos], values);
+    if (gs1_ && data_[pos] == kGroupSeparator) {
+      values[0] = 1;  // Shift 2
+      values[1] = kShift2Fnc1;
+      count = 2;
+    }
     for (int i = 0; i < count; ++i) {
       values_.push_back(values[i]);
       if (mode_ != kEdifactMode && values_.size() == 3) FlushTriple();
@@ -523,6 +534,7 @@ class CodewordWriter {
 
   const std::vector<uint8_t>& data_;
   int capacity_;
+  bool gs1_;
   Mode mode_ = kAsciiMode;
   std::vector<uint8_t> values_;
   std::vector<uint8_t> out_;
@@ -530,10 +542,31 @@ class CodewordWriter {
 
 }  // namespace
 
-DataMatrixEncodation::DataMatrixEncodation(const std::vector<uint8_t>& data, Encodation scheme)
+DataMatrixEncodation::DataMatrixEncodation(const std::vector<uint8_t>& data, Encodation scheme,
+                                           const DataMatrixOptions& options)
     : search_(std::make_unique<Search>()) {
   search_->data = data;
   search_->scheme = scheme;
+  search_->gs1 = options.gs1;
+  if (options.gs1) {
+    if (scheme == Encodation::kBase256) throw std::runtime_error("GS1 data cannot be carried in Base 256");
+    prefix_.push_back(kFnc1);
+  }
+  if (options.eci >= 0) {
+    // ISO/IEC 16022 section 5.4.1: the ECI number in one to three codewords.
+    const int eci = options.eci;
+    prefix_.push_back(kEci);
+    if (eci < 127) {
+      prefix_.push_back(static_cast<uint8_t>(eci + 1));
+    } else if (eci < 16383) {
+      prefix_.push_back(static_cast<uint8_t>((eci - 127) / 254 + 128));
+      prefix_.push_back(static_cast<uint8_t>((eci - 127) % 254 + 1));
+    } else {
+      prefix_.push_back(static_cast<uint8_t>((eci - 16383) / 64516 + 192));
+      prefix_.push_back(static_cast<uint8_t>((eci - 16383) / 254 % 254 + 1));
+      prefix_.push_back(static_cast<uint8_t>((eci - 16383) % 254 + 1));
+    }
+  }
   if (scheme == Encodation::kX12 || scheme == Encodation::kEdifact) {
     for (size_t i = 0; i < data.size(); ++i) {
       const bool fits = scheme == Encodation::kX12 ? X12Value(data[i]) >= 0 : EdifactValue(data[i]) >= 0;
@@ -551,32 +584,25 @@ DataMatrixEncodation::DataMatrixEncodation(const std::vector<uint8_t>& data, Enc
 
 DataMatrixEncodation::~DataMatrixEncodation() = default;
 
-int DataMatrixEncodation::MinimumCodewords() const { return search_->MinimumCodewords(); }
+int DataMatrixEncodation::MinimumCodewords() const {
+  return search_->MinimumCodewords() + static_cast<int>(prefix_.size());
+}
 
-bool DataMatrixEncodation::FitsIn(int capacity) const { return search_->FindEnd(capacity).has_value(); }
+bool DataMatrixEncodation::FitsIn(int capacity) const {
+  const int left = capacity - static_cast<int>(prefix_.size());
+  return left > 0 && search_->FindEnd(left).has_value();
+}
 
 std::vector<uint8_t> DataMatrixEncodation::Codewords(int capacity) const {
-  const std::optional<End> end = search_->FindEnd(capacity);
+  const std::optional<End> end = search_->FindEnd(capacity - static_cast<int>(prefix_.size()));
   if (!end) throw std::logic_error("Data Matrix codewords requested for a capacity that does not fit");
 
   // Walk back from the end, then write forward.
-  struct Step {
-    int pos;
-    int state;
-    const Node* node;
-  };
-  std::vector<Step> steps;
-  for (int pos = end->pos, state = end->state; pos >= 0 && search_->nodes[pos][state].action != Action::kNone;) {
-    const Node& node = search_->nodes[pos][state];
-    steps.push_back({pos, state, &node});
-    pos = node.from_pos;
-    state = node.from_state;
-  }
-  std::reverse(steps.begin(), steps.end());
+  const auto steps = search_->nodes.Path(static_cast<size_t>(end->pos), end->state, Action::kNone);
 
   const std::vector<uint8_t>& data = search_->data;
-  CodewordWriter writer(data, capacity);
-  for (const Step& step : steps) {
+  CodewordWriter writer(data, capacity, prefix_, search_->gs1);
+  for (const auto& step : steps) {
     const size_t from = static_cast<size_t>(std::max(step.node->from_pos, 0));
     switch (step.node->action) {
       case Action::kAsciiChar: writer.AsciiChar(data[from]); break;
@@ -615,28 +641,7 @@ std::vector<uint8_t> PadCodewords(std::vector<uint8_t> codewords, int capacity) 
 
 namespace {
 
-struct GaloisField {
-  std::array<uint8_t, 256> exp{};
-  std::array<uint8_t, 256> log{};
-
-  constexpr GaloisField() {
-    int value = 1;
-    for (int i = 0; i < 255; ++i) {
-      exp[i] = static_cast<uint8_t>(value);
-      log[value] = static_cast<uint8_t>(i);
-      value <<= 1;
-      if (value >= 256) value ^= 0x12D;
-    }
-    exp[255] = exp[0];
-  }
-
-  constexpr uint8_t Multiply(uint8_t a, uint8_t b) const {
-    if (a == 0 || b == 0) return 0;
-    return exp[(log[a] + log[b]) % 255];
-  }
-};
-
-constexpr GaloisField kField;
+constexpr const auto& kField = kDataMatrixField;
 static_assert(kField.exp[8] == 0x2D, "2^8 reduces by 0x12D");
 
 }  // namespace
@@ -758,6 +763,8 @@ class Placement {
       col += cols_;
       row += 4 - ((cols_ + 4) % 8);
     }
+    // ISO/IEC 21471 Annex E: in the DMRE sizes this wrap can pass the last row.
+    if (row >= rows_) row -= rows_;
     const uint8_t codeword = static_cast<size_t>(pos) < codewords_.size() ? codewords_[pos] : 0;
     At(row, col) = ((codeword >> (8 - bit)) & 1) != 0 ? kDark : kLight;
   }
@@ -854,7 +861,8 @@ ModuleGrid PlaceModules(const std::vector<uint8_t>& codewords, const DataMatrixS
   return grid;
 }
 
-DataMatrixSymbol EncodeDataMatrix(const std::vector<uint8_t>& data, int size_value, Encodation scheme) {
+DataMatrixSymbol EncodeDataMatrix(const std::vector<uint8_t>& data, int size_value, Encodation scheme,
+                                  const DataMatrixOptions& options) {
   // No symbol holds more than two digits a codeword; data far beyond that is refused
   // before the search, which needs memory in proportion to the data.
   const size_t most = 2 * static_cast<size_t>(kDataMatrixSizes[kSquareSizeCount - 1].data_codewords);
@@ -863,7 +871,7 @@ DataMatrixSymbol EncodeDataMatrix(const std::vector<uint8_t>& data, int size_val
                              std::to_string(most) + " digits fit");
   }
   const bool known_scheme = static_cast<int>(scheme) >= -1 && static_cast<int>(scheme) <= 5;
-  const DataMatrixEncodation encodation(data, known_scheme ? scheme : Encodation::kAuto);
+  const DataMatrixEncodation encodation(data, known_scheme ? scheme : Encodation::kAuto, options);
   int size_index = -1;
   if (size_value >= 0 && size_value < kDataMatrixSizeCount) {
     const DataMatrixSize& size = kDataMatrixSizes[size_value];
@@ -873,15 +881,26 @@ DataMatrixSymbol EncodeDataMatrix(const std::vector<uint8_t>& data, int size_val
                                std::to_string(size.data_codewords));
     }
     size_index = size_value;
+  } else if (size_value == kAutoRect || size_value == kAutoDmre) {
+    // The smallest area that holds the data; on equal areas the earlier size in the table.
+    const int candidates = size_value == kAutoRect ? kIso16022SizeCount : kDataMatrixSizeCount;
+    for (int i = 0; i < candidates; ++i) {
+      const DataMatrixSize& size = kDataMatrixSizes[i];
+      if (size_index >= 0 &&
+          size.rows * size.cols >= kDataMatrixSizes[size_index].rows * kDataMatrixSizes[size_index].cols) {
+        continue;
+      }
+      if (encodation.FitsIn(size.data_codewords)) size_index = i;
+    }
   } else {
     for (int i = 0; i < kSquareSizeCount && size_index < 0; ++i) {
       if (encodation.FitsIn(kDataMatrixSizes[i].data_codewords)) size_index = i;
     }
-    if (size_index < 0) {
-      throw std::runtime_error("Data too long for Data Matrix: " + std::to_string(encodation.MinimumCodewords()) +
-                               " codewords, capacity " +
-                               std::to_string(kDataMatrixSizes[kSquareSizeCount - 1].data_codewords));
-    }
+  }
+  if (size_index < 0) {
+    throw std::runtime_error("Data too long for Data Matrix: " + std::to_string(encodation.MinimumCodewords()) +
+                             " codewords, capacity " +
+                             std::to_string(kDataMatrixSizes[kSquareSizeCount - 1].data_codewords));
   }
   const DataMatrixSize& size = kDataMatrixSizes[size_index];
   const std::vector<uint8_t> codewords = AddErrorCorrection(encodation.Codewords(size.data_codewords), size);

@@ -34,10 +34,15 @@ struct DataMatrixSize {
 };
 
 // The size values of barcode_set_code_size: 0..23 square sizes ascending, 24..29 the
-// rectangular ones; kAutoSize picks the smallest square size that holds the data.
-inline constexpr int kDataMatrixSizeCount = 30;
+// rectangular ones of ISO/IEC 16022, 30..47 the rectangular extension (DMRE) of ISO/IEC
+// 21471. kAutoSize picks the smallest square size that holds the data; kAutoRect the
+// smallest area among the squares and the six rectangles, kAutoDmre among all sizes.
+inline constexpr int kDataMatrixSizeCount = 48;
+inline constexpr int kIso16022SizeCount = 30;
 inline constexpr int kSquareSizeCount = 24;
 inline constexpr int kAutoSize = -2;
+inline constexpr int kAutoRect = -3;
+inline constexpr int kAutoDmre = -4;
 
 inline constexpr std::array<DataMatrixSize, kDataMatrixSizeCount> kDataMatrixSizes = {{
     {"10x10", 10, 10, 8, 8, 1, 1, 3, 5, 1, 5},
@@ -70,6 +75,24 @@ inline constexpr std::array<DataMatrixSize, kDataMatrixSizeCount> kDataMatrixSiz
     {"12x36", 12, 36, 10, 16, 1, 2, 22, 18, 1, 18},
     {"16x36", 16, 36, 14, 16, 1, 2, 32, 24, 1, 24},
     {"16x48", 16, 48, 14, 22, 1, 2, 49, 28, 1, 28},
+    {"8x48", 8, 48, 6, 22, 1, 2, 18, 15, 1, 15},
+    {"8x64", 8, 64, 6, 14, 1, 4, 24, 18, 1, 18},
+    {"8x80", 8, 80, 6, 18, 1, 4, 32, 22, 1, 22},
+    {"8x96", 8, 96, 6, 22, 1, 4, 38, 28, 1, 28},
+    {"8x120", 8, 120, 6, 18, 1, 6, 49, 32, 1, 32},
+    {"8x144", 8, 144, 6, 22, 1, 6, 63, 36, 1, 36},
+    {"12x64", 12, 64, 10, 14, 1, 4, 43, 27, 1, 27},
+    {"12x88", 12, 88, 10, 20, 1, 4, 64, 36, 1, 36},
+    {"16x64", 16, 64, 14, 14, 1, 4, 62, 36, 1, 36},
+    {"20x36", 20, 36, 18, 16, 1, 2, 44, 28, 1, 28},
+    {"20x44", 20, 44, 18, 20, 1, 2, 56, 34, 1, 34},
+    {"20x64", 20, 64, 18, 14, 1, 4, 84, 42, 1, 42},
+    {"22x48", 22, 48, 20, 22, 1, 2, 72, 38, 1, 38},
+    {"24x48", 24, 48, 22, 22, 1, 2, 80, 41, 1, 41},
+    {"24x64", 24, 64, 22, 14, 1, 4, 108, 46, 1, 46},
+    {"26x40", 26, 40, 24, 18, 1, 2, 70, 38, 1, 38},
+    {"26x48", 26, 48, 24, 22, 1, 2, 90, 42, 1, 42},
+    {"26x64", 26, 64, 24, 14, 1, 4, 118, 50, 1, 50},
 }};
 
 constexpr bool SizesAreConsistent() {
@@ -94,10 +117,16 @@ const char* EncodationName(Encodation scheme);
 // The shortest codeword streams for one payload under one scheme choice, computed once;
 // the symbol's capacity only matters at the end of the data (implicit returns to ASCII,
 // C40 padding, EDIFACT remainders), so it is applied when the codewords are written.
+struct DataMatrixOptions {
+  // GS1 data: FNC1 first, and GS (0x1D) in the data written as FNC1.
+  bool gs1 = false;
+  int eci = -1;  // 0..999999: an ECI designator first
+};
+
 class DataMatrixEncodation {
  public:
   // Throws std::runtime_error when a forced scheme cannot carry the data.
-  DataMatrixEncodation(const std::vector<uint8_t>& data, Encodation scheme);
+  DataMatrixEncodation(const std::vector<uint8_t>& data, Encodation scheme, const DataMatrixOptions& options = {});
   ~DataMatrixEncodation();
   DataMatrixEncodation(const DataMatrixEncodation&) = delete;
   DataMatrixEncodation& operator=(const DataMatrixEncodation&) = delete;
@@ -111,6 +140,7 @@ class DataMatrixEncodation {
  private:
   struct Search;
   std::unique_ptr<Search> search_;
+  std::vector<uint8_t> prefix_;  // FNC1 or the ECI designator, before the data
 };
 
 // Pads data codewords to `capacity`: 129, then the 253-state randomised pads.
@@ -130,6 +160,7 @@ struct DataMatrixSymbol {
 
 // Encodes `data` at size value `size_value` (0..29 or kAutoSize) under `scheme`;
 // throws std::runtime_error with a message for the user when that is impossible.
-DataMatrixSymbol EncodeDataMatrix(const std::vector<uint8_t>& data, int size_value, Encodation scheme);
+DataMatrixSymbol EncodeDataMatrix(const std::vector<uint8_t>& data, int size_value, Encodation scheme,
+                                  const DataMatrixOptions& options = {});
 
 }  // namespace barcode_orv::internal

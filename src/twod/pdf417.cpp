@@ -1,9 +1,11 @@
 #include "twod/pdf417.h"
 
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "core/log.h"
+#include "twod/eci.h"
 
 namespace barcode_orv {
 
@@ -13,7 +15,11 @@ PDF417::PDF417(SDL_Renderer* canvas) : BarcodeBase2D(canvas) {}
 
 internal_pdf417::Symbol PDF417::Encode(const std::vector<uint8_t>& data) const {
   if (data.empty()) return {};
-  return internal_pdf417::EncodePdf417(data, settings_);
+  const std::string eci_problem = internal::EciProblem(GetEci());
+  if (!eci_problem.empty()) throw std::runtime_error(eci_problem);
+  internal_pdf417::Settings settings = settings_;
+  settings.eci = GetEci();
+  return internal_pdf417::EncodePdf417(data, settings);
 }
 
 internal_pdf417::Symbol PDF417::CalPDF417(const std::string& text) const {

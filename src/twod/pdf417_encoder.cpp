@@ -9,8 +9,14 @@
 #include <string>
 #include <string_view>
 
+#include "twod/shortest_path.h"
+
 namespace barcode_orv::internal_pdf417 {
 namespace {
+
+using internal::kUnreachable;
+using internal::Lattice;
+using internal::PathNode;
 
 // ---- Mode codewords ----
 constexpr int kLatchText = 900;
@@ -82,7 +88,7 @@ constexpr Latch kLatches[kSubmodes][kSubmodes] = {
 // and numeric compaction. Costs are in half codewords.
 constexpr int kHalf = 1;
 constexpr int kWhole = 2;
-constexpr int kInfinity = INT_MAX / 2;
+constexpr int kInfinity = kUnreachable;
 
 constexpr int kTextStates = 8;  // sub-mode * 2 + parity
 constexpr int kByteFirst = 8;   // + bytes into the group (0..5)
@@ -144,12 +150,7 @@ static_assert(kTextMoves.move[TextState(kPunct, 0)][TextState(kLower, 0)].count 
 
 enum class Action : uint8_t { kNone, kModeChange, kTextChar, kByteShift, kByte, kNumericRun };
 
-struct Node {
-  int cost = kInfinity;
-  int from_pos = -1;
-  int from_state = -1;
-  Action action = Action::kNone;
-};
+using Node = PathNode<Action>;
 
 bool IsDigit(uint8_t c) { return c >= '0' && c <= '9'; }
 
@@ -170,10 +171,7 @@ int LatchOutCost(int state, bool to_numeric) {
 
 class Search {
  public:
-  // Every column starts as a copy of one unreached column: default-constructing each
-  // node in place took a quarter of the search.
-  explicit Search(const std::vector<uint8_t>& data)
-      : data_(data), nodes_(data.size() + 1, std::array<Node, kStates>{}) {}
+  explicit Search(const std::vector<uint8_t>& data) : data_(data), nodes_(data.size()) {}
 
   void Run() {
     const size_t n = data_.size();
@@ -187,8 +185,8 @@ class Search {
     }
   }
 
-  // Walks the cheapest path back; returns (position, state) pairs from the start.
-  std::vector<std::pair<size_t, int>> Path() const {
+  // The steps of the cheapest path, from the start.
+  std::vector<Lattice<Action, kStates>::Step> Path() const {
     const size_t n = data_.size();
     int best_state = 0;
     int best_cost = kInfinity;
@@ -199,25 +197,12 @@ class Search {
         best_state = state;
       }
     }
-    std::vector<std::pair<size_t, int>> path;
-    for (int pos = static_cast<int>(n), state = best_state; pos >= 0;) {
-      path.emplace_back(static_cast<size_t>(pos), state);
-      const Node& node = nodes_[pos][state];
-      if (node.from_pos < 0) break;
-      pos = node.from_pos;
-      state = node.from_state;
-    }
-    std::reverse(path.begin(), path.end());
-    return path;
+    return nodes_.Path(n, best_state, Action::kNone);
   }
-
-  const Node& node(size_t pos, int state) const { return nodes_[pos][state]; }
 
  private:
   void Relax(size_t pos, int state, int cost, size_t from_pos, int from_state, Action action) {
-    Node& node = nodes_[pos][state];
-    if (cost >= node.cost) return;
-    node = {cost, static_cast<int>(from_pos), from_state, action};
+    nodes_.Relax(pos, state, cost, from_pos, from_state, action);
   }
 
   // Mode changes that consume no data: into byte compaction (901/924) and back to text
@@ -297,7 +282,7 @@ class Search {
   }
 
   const std::vector<uint8_t>& data_;
-  std::vector<std::array<Node, kStates>> nodes_;
+  Lattice<Action, kStates> nodes_;
 };
 
 // Base-900 digits of a decimal digit string, most significant first.
@@ -432,11 +417,11 @@ class CodewordWriter {
 std::vector<int> CompactData(const std::vector<uint8_t>& data) {
   Search search(data);
   search.Run();
-  const std::vector<std::pair<size_t, int>> path = search.Path();
   CodewordWriter writer(data);
-  for (size_t i = 1; i < path.size(); ++i) {
-    const auto [pos, state] = path[i];
-    const Node& node = search.node(pos, state);
+  for (const auto& step : search.Path()) {
+    const size_t pos = step.pos;
+    const int state = step.state;
+    const Node& node = *step.node;
     const auto from = static_cast<size_t>(node.from_pos);
     switch (node.action) {
       case Action::kModeChange:
@@ -666,7 +651,25 @@ Symbol EncodePdf417(const std::vector<uint8_t>& data, const Settings& settings) 
     throw std::runtime_error("Data too long for PDF417: " + std::to_string(data.size()) + " bytes, at most " +
                              std::to_string(kMaxBytes) + " digits fit");
   }
-  const std::vector<int> compacted = CompactData(data);
+  std::vector<int> compacted = CompactData(data);
+  if (settings.eci >= 0) {
+    // ISO/IEC 15438 section 5.5.3: 927 for ECI 0..899, 926 and two codewords up to
+    // 810899, 925 up to 811799.
+    constexpr int kMaxEci = 811799;
+    const int eci = settings.eci;
+    std::vector<int> designator;
+    if (eci < 900) {
+      designator = {927, eci};
+    } else if (eci < 810900) {
+      designator = {926, eci / 900 - 1, eci % 900};
+    } else if (eci <= kMaxEci) {
+      designator = {925, eci - 810900};
+    } else {
+      throw std::runtime_error("ECI must be 0 to " + std::to_string(kMaxEci) + " in PDF417, not " +
+                               std::to_string(eci));
+    }
+    compacted.insert(compacted.begin(), designator.begin(), designator.end());
+  }
   const int data_codewords = 1 + static_cast<int>(compacted.size());
   const int level =
       settings.level >= 0 && settings.level <= kMaxLevel ? settings.level : RecommendedLevel(data_codewords - 1);

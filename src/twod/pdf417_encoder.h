@@ -52,6 +52,7 @@ struct Settings {
   int rows = 0;                        // 3..90; 0 automatic
   double aspect_ratio = 0;             // width over height steering the automatic shape; <= 0 default
   int row_height = kDefaultRowHeight;  // modules per row
+  int eci = -1;                        // 0..811799: an ECI before the data
 };
 
 struct Symbol {

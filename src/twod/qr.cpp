@@ -4,10 +4,13 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
 #include "core/log.h"
+#include "twod/eci.h"
+#include "twod/qr_segments.h"
 
 namespace barcode_orv {
 namespace {
@@ -107,12 +110,38 @@ void QR::CheckModeAndVersion(const std::vector<uint8_t>& data, int chosen_versio
   }
 }
 
+std::string QR::SettingsProblem() const {
+  if (mask_ < -1 || mask_ >= qr_internal::kMaskCount) {
+    return "Mask must be 0 to 7 (or -1 to choose one), not " + std::to_string(mask_);
+  }
+  return internal::EciProblem(GetEci());
+}
+
 ModuleMatrix QR::Encode(const std::vector<uint8_t>& data) const {
+  const auto level_index = static_cast<uint32_t>(level_);
+  const int level = level_index <= qr_internal::kLevelH ? static_cast<int>(level_index) : qr_internal::kLevelM;
+  if (Segmented()) {
+    if (data.empty()) return {};
+    const std::string problem = SettingsProblem();
+    if (!problem.empty()) throw std::runtime_error(problem);
+    qr_internal::StreamRequest request;
+    request.declare_eci = GetEci() >= 0;
+    request.charset_eci = request.declare_eci ? GetEci()
+                          : CarriesShiftJis() ? qr_internal::kEciShiftJis
+                                              : qr_internal::kEciUtf8;
+    request.gs1 = GetGs1();
+    request.level = level;
+    request.requested_version = version_;
+    const qr_internal::Stream stream = qr_internal::BuildStream(data, request);
+    CheckModeAndVersion(data, stream.version);
+    const auto rule = standard_profile ? qr_internal::MaskRule::kIso18004 : qr_internal::MaskRule::kLibrary;
+    return qr_internal::EncodeSymbol(stream.fields, stream.version, level, mask_, rule);
+  }
   qr_internal::QRJam jam;
+  jam.SetMask(mask_);
   jam.SetModeString(encode_mode_);
   jam.SetRequestedVersion(version_);
-  const auto level = static_cast<uint32_t>(level_);
-  jam.SetErrorCorrectionIndex(level <= qr_internal::kLevelH ? static_cast<int>(level) : qr_internal::kLevelM);
+  jam.SetErrorCorrectionIndex(level);
   jam.qrcode_write_barcode(data);
   if (!data.empty()) CheckModeAndVersion(data, jam.chosen_version());
   return jam.matrix();
@@ -120,6 +149,10 @@ ModuleMatrix QR::Encode(const std::vector<uint8_t>& data) const {
 
 bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int height) {
   if (IsSvgOutput()) return DrawSvg(data, x, y, width, height);
+  if (const std::string problem = SettingsProblem(); !problem.empty()) {
+    log::Error("[QR] " + problem);
+    return false;
+  }
 
   log::Progress("--- QR::Draw 開始 ---");
   // At an X-dimension the symbol is encoded first: its size gives the canvas's.
@@ -143,6 +176,10 @@ bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int hei
 }
 
 bool QR::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int width, int height) {
+  if (const std::string problem = SettingsProblem(); !problem.empty()) {
+    log::Error("[QR] " + problem);
+    return false;
+  }
   // Deliberate: as in Draw, QRCapacityError leaves this routine uncaught.
   const ModuleMatrix matrix = Encode(data);
   if (matrix.empty()) return false;

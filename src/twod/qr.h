@@ -33,6 +33,10 @@ class QR : public BarcodeBase2D {
   void SetEncodeMode(const std::string& mode);
   void SetEncodeMode(QREncodeMode mode);
   std::string GetEncodeMode() const { return encode_mode_; }
+  // 0..7 forces that mask pattern; -1, the default, chooses one (this library's scoring,
+  // or in the standard profile the penalty rules of ISO/IEC 18004 section 7.8.3).
+  void SetMask(int mask) { mask_ = mask; }
+  int GetMask() const { return mask_; }
 
   using BarcodeBase::DrawSvg;
   using BarcodeBase2D::Draw;
@@ -54,7 +58,14 @@ class QR : public BarcodeBase2D {
   // symbol had to grow beyond the fixed version.
   void CheckModeAndVersion(const std::vector<uint8_t>& data, int chosen_version) const;
 
+  // Why the settings cannot make a symbol ("" when they can).
+  std::string SettingsProblem() const;
+  // The standard's segmentation (numeric, alphanumeric, byte and Kanji segments, ECI,
+  // FNC1): in the standard profile and whenever an ECI or GS1 mode is set.
+  bool Segmented() const { return standard_profile || GetEci() >= 0 || GetGs1(); }
+
   QRErrorCorrectionLevel level_ = QRErrorCorrectionLevel::M;
+  int mask_ = -1;
   int version_ = 0;
   std::string encode_mode_ = "B";
 };

@@ -4,6 +4,8 @@
 #include <cassert>
 #include <cstdlib>
 
+#include "twod/galois_field.h"
+
 namespace barcode_orv::qr_internal {
 namespace {
 
@@ -95,27 +97,9 @@ constexpr std::array<uint8_t, 15> kFormatRows = {8, 8, 8, 8, 8, 8, 8, 8, 7, 5, 4
 constexpr std::array<int, 21> kBalancePenalty = {90, 80, 70, 60, 50, 40, 30, 20, 10, 0, 0,
                                                  10, 20, 30, 40, 50, 60, 70, 80, 90, 90};
 
-// ---- GF(256) with the field polynomial x^8 + x^4 + x^3 + x^2 + 1 (0x11D) ----
+// ---- Reed-Solomon over GF(256) with the field polynomial 0x11D ----
 
-struct GaloisField {
-  std::array<uint8_t, 512> exp{};  // doubled so exp[a + b] needs no reduction
-  std::array<uint8_t, 256> log{};
-};
-
-constexpr GaloisField MakeGaloisField() {
-  GaloisField field;
-  int value = 1;
-  for (int power = 0; power < 255; ++power) {
-    field.exp[power] = static_cast<uint8_t>(value);
-    field.log[value] = static_cast<uint8_t>(power);
-    value <<= 1;
-    if (value & 0x100) value ^= 0x11D;
-  }
-  for (int power = 255; power < 512; ++power) field.exp[power] = field.exp[power - 255];
-  return field;
-}
-
-constexpr GaloisField kField = MakeGaloisField();
+constexpr const auto& kField = internal::kQrField;
 
 constexpr int kMaxEccPerBlock = 30;
 
@@ -124,11 +108,6 @@ constexpr int kMaxEccPerBlock = 30;
 struct GeneratorTable {
   std::array<std::array<uint8_t, kMaxEccPerBlock>, kMaxEccPerBlock + 1> log_coefficients{};
 };
-
-constexpr uint8_t GfMultiply(uint8_t a, uint8_t b) {
-  if (a == 0 || b == 0) return 0;
-  return kField.exp[kField.log[a] + kField.log[b]];
-}
 
 constexpr GeneratorTable MakeGeneratorTable() {
   GeneratorTable table;
@@ -139,7 +118,7 @@ constexpr GeneratorTable MakeGeneratorTable() {
     for (int root = 0; root < degree; ++root) {
       const uint8_t alpha = kField.exp[root];
       for (int i = root + 1; i >= 1; --i) {
-        coefficients[i] = static_cast<uint8_t>(coefficients[i] ^ GfMultiply(coefficients[i - 1], alpha));
+        coefficients[i] = static_cast<uint8_t>(coefficients[i] ^ kField.Multiply(coefficients[i - 1], alpha));
       }
     }
     for (int i = 0; i < degree; ++i) {
@@ -668,6 +647,82 @@ int QRCodeChooseMaskNumber(const MaskCandidates& candidates) {
   return static_cast<int>(std::min_element(penalties.begin(), penalties.end()) - penalties.begin());
 }
 
+namespace {
+
+std::array<int, kMaskCount> IsoMaskPenalties(const Frame& frame, const MaskCandidates& candidates, int level) {
+  std::array<int, kMaskCount> penalties{};
+  for (int mask = 0; mask < kMaskCount; ++mask) penalties[mask] = IsoPenalty(Compose(frame, candidates, mask, level));
+  return penalties;
+}
+
+}  // namespace
+
+int IsoPenalty(const ModuleMatrix& matrix) {
+  const int side = matrix.side();
+  auto line_penalty = [side](auto dark) {
+    int penalty = 0;
+    // N1: runs of five or more equal modules, 3 + (run - 5).
+    int run = 1;
+    for (int i = 1; i <= side; ++i) {
+      if (i < side && dark(i) == dark(i - 1)) {
+        ++run;
+        continue;
+      }
+      if (run >= 5) penalty += 3 + run - 5;
+      run = 1;
+    }
+    // N3: 1:1:3:1:1 (dark-light-dark-dark-dark-light-dark) with four light modules on
+    // one side; the light area beyond the symbol's edge counts.
+    auto at = [&dark, side](int i) { return i >= 0 && i < side && dark(i); };
+    for (int i = 0; i + 7 <= side; ++i) {
+      if (!(at(i) && !at(i + 1) && at(i + 2) && at(i + 3) && at(i + 4) && !at(i + 5) && at(i + 6))) continue;
+      const bool light_before = !at(i - 1) && !at(i - 2) && !at(i - 3) && !at(i - 4);
+      const bool light_after = !at(i + 7) && !at(i + 8) && !at(i + 9) && !at(i + 10);
+      penalty += 40 * ((light_before ? 1 : 0) + (light_after ? 1 : 0));
+    }
+    return penalty;
+  };
+  int penalty = 0;
+  int dark_modules = 0;
+  for (int k = 0; k < side; ++k) {
+    penalty += line_penalty([&matrix, k](int i) { return matrix.dark(i, k); });
+    penalty += line_penalty([&matrix, k](int i) { return matrix.dark(k, i); });
+    for (int i = 0; i < side; ++i) dark_modules += matrix.dark(i, k) ? 1 : 0;
+  }
+  // N2: every 2 x 2 block of one colour.
+  for (int row = 0; row + 1 < side; ++row) {
+    for (int col = 0; col + 1 < side; ++col) {
+      const bool dark = matrix.dark(col, row);
+      if (matrix.dark(col + 1, row) == dark && matrix.dark(col, row + 1) == dark &&
+          matrix.dark(col + 1, row + 1) == dark) {
+        penalty += 3;
+      }
+    }
+  }
+  // N4: 10 points for every full 5 % the dark share departs from 50 %.
+  const int total = side * side;
+  penalty += 10 * (std::abs(dark_modules * 20 - total * 10) / total);
+  return penalty;
+}
+
+ModuleMatrix EncodeSymbol(const std::vector<BitField>& fields, int version, int level, int mask, MaskRule rule,
+                          int* chosen_mask) {
+  const int data_codewords = DataCapacityBits(version, level) / 8;
+  const std::vector<uint8_t> codewords = QRCodeTransRSBlock(QRCodeGet8BitData(fields, data_codewords), version, level);
+  const Frame frame = QRCodeGetSymbolData(version);
+  const MaskCandidates candidates = PlaceCodewords(frame, codewords, version);
+  if (mask < 0 || mask >= kMaskCount) {
+    if (rule == MaskRule::kLibrary) {
+      mask = QRCodeChooseMaskNumber(candidates);
+    } else {
+      const std::array<int, kMaskCount> penalties = IsoMaskPenalties(frame, candidates, level);
+      mask = static_cast<int>(std::min_element(penalties.begin(), penalties.end()) - penalties.begin());
+    }
+  }
+  if (chosen_mask != nullptr) *chosen_mask = mask;
+  return Compose(frame, candidates, mask, level);
+}
+
 void QRJam::SetModeString(const std::string& mode) {
   mode_string_ = mode;
   mode_indicator_ = mode == "N" ? 1 : mode == "A" ? 2 : 4;
@@ -698,13 +753,7 @@ ModuleMatrix QRJam::QRGetData(const std::vector<uint8_t>& data) {
   chosen_version_ = std::max(minimum, requested_version_);
   fields[1].bits += CountFieldGrowth(numeric, chosen_version_);
 
-  const int data_codewords = DataCapacityBits(chosen_version_, level_) / 8;
-  const std::vector<uint8_t> codewords =
-      QRCodeTransRSBlock(QRCodeGet8BitData(fields, data_codewords), chosen_version_, level_);
-  const Frame frame = QRCodeGetSymbolData(chosen_version_);
-  const MaskCandidates candidates = PlaceCodewords(frame, codewords, chosen_version_);
-  chosen_mask_ = QRCodeChooseMaskNumber(candidates);
-  return Compose(frame, candidates, chosen_mask_, level_);
+  return EncodeSymbol(fields, chosen_version_, level_, forced_mask_, MaskRule::kLibrary, &chosen_mask_);
 }
 
 void QRJam::qrcode_write_barcode(const std::vector<uint8_t>& data) {

@@ -111,6 +111,16 @@ std::array<int, kMaskCount> MaskPenalties(const MaskCandidates& candidates);
 // The mask with the lowest penalty; the lower number on a tie.
 int QRCodeChooseMaskNumber(const MaskCandidates& candidates);
 
+// How the mask is chosen when none is forced: this library's own scoring (the default
+// form) or the four penalty rules of ISO/IEC 18004 section 7.8.3 over the whole symbol.
+enum class MaskRule { kLibrary, kIso18004 };
+// The ISO/IEC 18004 penalty (N1 + N2 + N3 + N4) of a finished symbol.
+int IsoPenalty(const ModuleMatrix& matrix);
+// The symbol for a complete bit stream at `version`: terminator, padding, error
+// correction, placement; `mask` 0..7 is used as given, anything else chosen by `rule`.
+ModuleMatrix EncodeSymbol(const std::vector<BitField>& fields, int version, int level, int mask, MaskRule rule,
+                          int* chosen_mask = nullptr);
+
 // One-shot encoder: configure, then run once.
 class QRJam {
  public:
@@ -122,6 +132,8 @@ class QRJam {
   void SetRequestedVersion(int version);
   // 0..3 = L, M, Q, H; other values mean M.
   void SetErrorCorrectionIndex(int level);
+  // 0..7 forces that mask; anything else lets the library's scoring choose.
+  void SetMask(int mask) { forced_mask_ = mask; }
 
   // Encodes `data`; throws QRCapacityError when version 40 cannot hold it.
   ModuleMatrix QRGetData(const std::vector<uint8_t>& data);
@@ -139,6 +151,7 @@ class QRJam {
   int level_ = kLevelM;
   int chosen_version_ = 0;
   int chosen_mask_ = 0;
+  int forced_mask_ = -1;
   ModuleMatrix matrix_;
 };
 
