@@ -23,7 +23,7 @@ void BM_QrEncodeVersion40(benchmark::State& state) {
     barcode_orv::qr_internal::QRJam jam;
     jam.SetErrorCorrectionIndex(barcode_orv::qr_internal::kLevelM);
     jam.qrcode_write_barcode(data);
-    benchmark::DoNotOptimize(jam.matrix().side());
+    benchmark::DoNotOptimize(jam.matrix().cols());
   }
 }
 BENCHMARK(BM_QrEncodeVersion40)->Unit(benchmark::kMicrosecond);

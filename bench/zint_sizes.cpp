@@ -107,7 +107,7 @@ int OurQrVersion(const std::string& text) {
   barcode_orv::QR qr(std::string("png"));
   qr.SetStandardProfile(true);
   qr.SetErrorCorrectionLevel(barcode_orv::QRErrorCorrectionLevel::M);
-  return (qr.Encode(Bytes(text)).side() - 17) / 4;
+  return (qr.Encode(Bytes(text)).cols() - 17) / 4;
 }
 
 int ZintQrVersion(const std::string& text) {

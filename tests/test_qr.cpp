@@ -47,7 +47,7 @@ TEST(QrSettings, KeywordsReachTheEncoder) {
     barcode_set_error_correction_level(handle.get(), c.level);
     barcode_set_encode_mode(handle.get(), c.mode);
     barcode_set_version(handle.get(), c.version);
-    EXPECT_EQ(qr.Encode(std::vector<uint8_t>(34, '9')).side(), c.side) << c.level << " " << c.mode << " " << c.version;
+    EXPECT_EQ(qr.Encode(std::vector<uint8_t>(34, '9')).cols(), c.side) << c.level << " " << c.mode << " " << c.version;
   }
   // Alphanumeric and Kanji are kept as set (and carry bytes); an unknown mode is bytes.
   const std::pair<const char*, const char*> modes[] = {{"ALPHANUMERIC", "A"}, {"KANJI", "K"}, {"Z", "B"}, {"a", "A"}};

@@ -23,16 +23,16 @@ using testing::Symbology;
 
 std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
 
-std::vector<std::vector<bool>> ByColumn(const ModuleMatrix& matrix) {
-  std::vector<std::vector<bool>> columns(matrix.side(), std::vector<bool>(matrix.side()));
-  for (int col = 0; col < matrix.side(); ++col) {
-    for (int row = 0; row < matrix.side(); ++row) columns[col][row] = matrix.dark(col, row);
+std::vector<std::vector<bool>> ByColumn(const ModuleGrid& matrix) {
+  std::vector<std::vector<bool>> columns(matrix.cols(), std::vector<bool>(matrix.cols()));
+  for (int col = 0; col < matrix.cols(); ++col) {
+    for (int row = 0; row < matrix.cols(); ++row) columns[col][row] = matrix.dark(col, row);
   }
   return columns;
 }
 
 struct Encoded {
-  ModuleMatrix matrix;
+  ModuleGrid matrix;
   int version = 0;
   int mode_indicator = 0;
 };
@@ -49,7 +49,7 @@ Encoded Encode(const std::vector<uint8_t>& data, const std::string& mode, int le
   return out;
 }
 
-std::string DecodeMatrix(const ModuleMatrix& matrix) {
+std::string DecodeMatrix(const ModuleGrid& matrix) {
   // Three pixels a module: the reader misses version 40 at two.
   const testing::Decoded decoded = DecodeRgba(RenderModules(ByColumn(matrix), 3), Symbology::kQRCode, 12);
   EXPECT_TRUE(decoded.ok);
@@ -90,7 +90,7 @@ TEST(QrVersion, SelectionAndRaising) {
   for (const auto& [name, data, mode, level, requested, version] : cases) {
     const Encoded encoded = Encode(data, mode, level, requested);
     EXPECT_EQ(encoded.version, version) << name;
-    EXPECT_EQ(encoded.matrix.side(), SideForVersion(version)) << name;
+    EXPECT_EQ(encoded.matrix.cols(), SideForVersion(version)) << name;
     EXPECT_EQ(encoded.mode_indicator, mode == "N" ? 1 : 4) << name;
   }
 }
@@ -208,8 +208,8 @@ TEST(QrSegments, ShortestStreams) {
   }
 }
 
-ModuleMatrix Picture(const std::vector<std::string>& rows) {
-  ModuleMatrix matrix(static_cast<int>(rows.size()));
+ModuleGrid Picture(const std::vector<std::string>& rows) {
+  ModuleGrid matrix(static_cast<int>(rows.size()), static_cast<int>(rows.size()));
   for (size_t row = 0; row < rows.size(); ++row) {
     for (size_t col = 0; col < rows.size(); ++col)
       matrix.set(static_cast<int>(col), static_cast<int>(row), rows[row][col] == '#');

@@ -15,19 +15,17 @@
 namespace barcode_orv {
 namespace {
 
-using qr_internal::ModuleMatrix;
-
 char AsciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-ModuleView View(const ModuleMatrix& matrix) { return {matrix.side(), matrix.side(), matrix.cells()}; }
+ModuleView View(const ModuleGrid& matrix) { return ModuleView::Of(matrix); }
 
-void LogMatrix(const ModuleMatrix& matrix) {
+void LogMatrix(const ModuleGrid& matrix) {
   if (log::Quiet()) return;
   log::Progress("【Debug: QRコードのビットパターン出力】");
   std::string line;
-  for (int row = 0; row < matrix.side(); ++row) {
+  for (int row = 0; row < matrix.cols(); ++row) {
     line.clear();
-    for (int col = 0; col < matrix.side(); ++col) line += matrix.dark(col, row) ? '1' : '0';
+    for (int col = 0; col < matrix.cols(); ++col) line += matrix.dark(col, row) ? '1' : '0';
     log::Progress(line);
   }
   log::Progress("【Debug: 出力終了】");
@@ -117,7 +115,7 @@ std::string QR::SettingsProblem() const {
   return internal::EciProblem(GetEci());
 }
 
-ModuleMatrix QR::Encode(const std::vector<uint8_t>& data) const {
+ModuleGrid QR::Encode(const std::vector<uint8_t>& data) const {
   const auto level_index = static_cast<uint32_t>(level_);
   const int level = level_index <= qr_internal::kLevelH ? static_cast<int>(level_index) : qr_internal::kLevelM;
   if (Segmented()) {
@@ -156,7 +154,7 @@ bool QR::Draw(const std::vector<uint8_t>& data, int x, int y, int width, int hei
 
   log::Progress("--- QR::Draw 開始 ---");
   // At an X-dimension the symbol is encoded first: its size gives the canvas's.
-  ModuleMatrix matrix;
+  ModuleGrid matrix;
   const bool sized_by_symbol = WantsNaturalBox();
   if (sized_by_symbol) {
     matrix = Encode(data);
@@ -181,7 +179,7 @@ bool QR::DrawSvg(const std::vector<uint8_t>& data, int /*x*/, int /*y*/, int wid
     return false;
   }
   // Deliberate: as in Draw, QRCapacityError leaves this routine uncaught.
-  const ModuleMatrix matrix = Encode(data);
+  const ModuleGrid matrix = Encode(data);
   if (matrix.empty()) return false;
   if (WantsNaturalBox() && !TakeModulesNaturalBox(View(matrix), &width, &height)) return false;
   return PaintSvgModules(View(matrix), width, height, ModuleAspect::kStretch);

@@ -47,7 +47,7 @@ class QR : public BarcodeBase2D {
   bool DrawSvg(const std::vector<uint8_t>& data, int x, int y, int width, int height);
 
   // The module matrix for `data` under the current settings; empty for empty data.
-  qr_internal::ModuleMatrix Encode(const std::vector<uint8_t>& data) const;
+  ModuleGrid Encode(const std::vector<uint8_t>& data) const;
 
  protected:
   int QuietZoneModules() const override { return 4; }  // ISO/IEC 18004

@@ -385,9 +385,9 @@ MaskCandidates PlaceCodewords(const Frame& frame, const std::vector<uint8_t>& co
   return candidates;
 }
 
-ModuleMatrix Compose(const Frame& frame, const MaskCandidates& candidates, int mask, int level) {
+ModuleGrid Compose(const Frame& frame, const MaskCandidates& candidates, int mask, int level) {
   const int side = frame.side();
-  ModuleMatrix matrix(side);
+  ModuleGrid matrix(side, side);
   for (int row = 0; row < side; ++row) {
     for (int col = 0; col < side; ++col) {
       const bool dark =
@@ -657,8 +657,8 @@ std::array<int, kMaskCount> IsoMaskPenalties(const Frame& frame, const MaskCandi
 
 }  // namespace
 
-int IsoPenalty(const ModuleMatrix& matrix) {
-  const int side = matrix.side();
+int IsoPenalty(const ModuleGrid& matrix) {
+  const int side = matrix.cols();
   auto line_penalty = [side](auto dark) {
     int penalty = 0;
     // N1: runs of five or more equal modules, 3 + (run - 5).
@@ -705,8 +705,8 @@ int IsoPenalty(const ModuleMatrix& matrix) {
   return penalty;
 }
 
-ModuleMatrix EncodeSymbol(const std::vector<BitField>& fields, int version, int level, int mask, MaskRule rule,
-                          int* chosen_mask) {
+ModuleGrid EncodeSymbol(const std::vector<BitField>& fields, int version, int level, int mask, MaskRule rule,
+                        int* chosen_mask) {
   const int data_codewords = DataCapacityBits(version, level) / 8;
   const std::vector<uint8_t> codewords = QRCodeTransRSBlock(QRCodeGet8BitData(fields, data_codewords), version, level);
   const Frame frame = QRCodeGetSymbolData(version);
@@ -734,7 +734,7 @@ void QRJam::SetRequestedVersion(int version) {
 
 void QRJam::SetErrorCorrectionIndex(int level) { level_ = level >= kLevelL && level <= kLevelH ? level : kLevelM; }
 
-ModuleMatrix QRJam::QRGetData(const std::vector<uint8_t>& data) {
+ModuleGrid QRJam::QRGetData(const std::vector<uint8_t>& data) {
   // Deliberate: only "N" selects numeric mode; "A" and "K" are carried in byte mode like
   // "B", so every payload byte survives unchanged whatever the setting.
   const bool numeric = mode_string_ == "N";
@@ -757,7 +757,7 @@ ModuleMatrix QRJam::QRGetData(const std::vector<uint8_t>& data) {
 }
 
 void QRJam::qrcode_write_barcode(const std::vector<uint8_t>& data) {
-  matrix_ = ModuleMatrix();
+  matrix_ = ModuleGrid();
   if (data.empty()) return;
   matrix_ = QRGetData(data);
 }

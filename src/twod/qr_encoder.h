@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/errors.h"
+#include "core/module_grid.h"
 
 namespace barcode_orv::qr_internal {
 
@@ -27,26 +28,6 @@ constexpr int SideForVersion(int version) { return 4 * version + 17; }
 class QRCapacityError : public SymbolCapacityError {
  public:
   QRCapacityError();
-};
-
-// A square matrix of modules (true = dark), addressed by column then row.
-class ModuleMatrix {
- public:
-  ModuleMatrix() = default;
-  explicit ModuleMatrix(int side) : side_(side), cells_(static_cast<size_t>(side) * side, 0) {}
-
-  int side() const { return side_; }
-  bool empty() const { return side_ == 0; }
-  bool dark(int col, int row) const { return cells_[Index(col, row)] != 0; }
-  void set(int col, int row, bool dark) { cells_[Index(col, row)] = dark ? 1 : 0; }
-  // Row by row, one byte a module.
-  const uint8_t* cells() const { return cells_.data(); }
-
- private:
-  size_t Index(int col, int row) const { return static_cast<size_t>(row) * side_ + col; }
-
-  int side_ = 0;
-  std::vector<uint8_t> cells_;
 };
 
 // The data area under all eight masks at once: bit m of a cell is that module's colour
@@ -115,11 +96,11 @@ int QRCodeChooseMaskNumber(const MaskCandidates& candidates);
 // form) or the four penalty rules of ISO/IEC 18004 section 7.8.3 over the whole symbol.
 enum class MaskRule { kLibrary, kIso18004 };
 // The ISO/IEC 18004 penalty (N1 + N2 + N3 + N4) of a finished symbol.
-int IsoPenalty(const ModuleMatrix& matrix);
+int IsoPenalty(const ModuleGrid& matrix);
 // The symbol for a complete bit stream at `version`: terminator, padding, error
 // correction, placement; `mask` 0..7 is used as given, anything else chosen by `rule`.
-ModuleMatrix EncodeSymbol(const std::vector<BitField>& fields, int version, int level, int mask, MaskRule rule,
-                          int* chosen_mask = nullptr);
+ModuleGrid EncodeSymbol(const std::vector<BitField>& fields, int version, int level, int mask, MaskRule rule,
+                        int* chosen_mask = nullptr);
 
 // One-shot encoder: configure, then run once.
 class QRJam {
@@ -136,11 +117,11 @@ class QRJam {
   void SetMask(int mask) { forced_mask_ = mask; }
 
   // Encodes `data`; throws QRCapacityError when version 40 cannot hold it.
-  ModuleMatrix QRGetData(const std::vector<uint8_t>& data);
+  ModuleGrid QRGetData(const std::vector<uint8_t>& data);
   // Encodes into matrix(); an empty payload leaves the matrix empty.
   void qrcode_write_barcode(const std::vector<uint8_t>& data);
 
-  const ModuleMatrix& matrix() const { return matrix_; }
+  const ModuleGrid& matrix() const { return matrix_; }
   int chosen_version() const { return chosen_version_; }
   int chosen_mask() const { return chosen_mask_; }
 
@@ -152,7 +133,7 @@ class QRJam {
   int chosen_version_ = 0;
   int chosen_mask_ = 0;
   int forced_mask_ = -1;
-  ModuleMatrix matrix_;
+  ModuleGrid matrix_;
 };
 
 }  // namespace barcode_orv::qr_internal
