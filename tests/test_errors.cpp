@@ -25,6 +25,12 @@ struct Row {
   bool svg = true;  // DataBar Limited has no SVG form
 };
 
+Setup XDim(double mm, double text_scale) {
+  return [=](BarcodeHandle* h) {
+    barcode_set_xdim(h, mm, 300);
+    barcode_set_text_font_scale(h, text_scale);
+  };
+}
 Setup CodeMode(const char* mode) {
   return [mode](BarcodeHandle* h) { barcode_set_code_mode(h, mode); };
 }
@@ -155,6 +161,21 @@ const Row kRows[] = {
      "[GS1 DataBar Expanded] Invalid character '#': not encodable in GS1 DataBar Expanded"},
     {BARCODE_GS1_DATABAR_EXPANDED, "(90)ABCDEFGHIJKLMNOPQRSTUVWXYZABCD(91)ABCDEFGHIJK",
      "[GS1 DataBar Expanded] Element string too long for GS1 DataBar Expanded: 25 symbol characters (max 22)"},
+    // At an X-dimension: a box smaller than the symbol, and a text line that leaves the bars
+    // no height however tall the box.
+    {BARCODE_QR, "A", "[QR] Box too small for the X-dimension: 735x735 px needed", XDim(3.0, 1.0),
+     barcode_draw_2d_rect},
+    {BARCODE_CODE39, "ABC",
+     "[Code39] The text line leaves the bars no height at any size: lower text_font_scale or "
+     "text_gap, or hide the text",
+     XDim(0.3, 9.0)},
+    {BARCODE_GS1_DATABAR_14, "0950110153000",
+     "[GS1 DataBar] The text line leaves the bars no height at any size: "
+     "lower text_font_scale or text_gap, or hide the text",
+     [](BarcodeHandle* h) {
+       XDim(0.3, 9.0)(h);
+       barcode_set_symbol_type_14(h, "STACKED_OMNIDIRECTIONAL");
+     }},
 };
 
 TEST(Refusals, EachNamesItsFaultInOneLine) {

@@ -117,7 +117,12 @@ bool DataBarBase::TakeStackedNaturalBox(const StackedSymbol& symbol, int* width,
     const int h = ClampToInt(box);
     return int64_t{h} - TextHeightFor(h, text_font_scale) - StackedTextOffset(h, text_gap);
   };
-  while (left_for_rows(natural_height) < rows) ++natural_height;
+  while (left_for_rows(natural_height) < rows) {
+    if (++natural_height > kMaxNaturalHeightFactor * rows + kMaxNaturalHeightFactor) {
+      log::Error(log_prefix + std::string(kNoRoomForBars));
+      return false;
+    }
+  }
   return TakeNaturalBox(widest * module, natural_height, width, height, log_prefix);
 }
 

@@ -170,7 +170,12 @@ bool BarcodeBase1D::TakeLinearNaturalBox(const std::string& text, const char* lo
   // with the box, so the search runs upwards from the bars alone.
   const auto bars = static_cast<int>(std::ceil(NaturalBarModules() * static_cast<float>(module)));
   int natural_height = bars;
-  while (RowsOf(symbol, unit, natural_height).bar_height < static_cast<float>(bars)) ++natural_height;
+  while (RowsOf(symbol, unit, natural_height).bar_height < static_cast<float>(bars)) {
+    if (++natural_height > kMaxNaturalHeightFactor * bars + kMaxNaturalHeightFactor) {
+      log::Error(log_prefix + std::string(kNoRoomForBars));
+      return false;
+    }
+  }
   return TakeNaturalBox(MarginsOf(symbol).total * module, natural_height, width, height, log_prefix);
 }
 

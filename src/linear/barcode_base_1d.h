@@ -80,6 +80,11 @@ class BarcodeBase1D : public BarcodeBase {
   bool DrawLinearSvg(const std::string& text, int x, int y, int width, int height, const char* log_prefix,
                      const LinearEncoder& encode);
 
+  // The natural box is searched no higher than this many times the bars' height: a text
+  // line scaled to take every pixel it is given leaves the bars no room at any height.
+  static constexpr int kMaxNaturalHeightFactor = 16;
+  static constexpr const char* kNoRoomForBars =
+      "The text line leaves the bars no height at any size: lower text_font_scale or text_gap, or hide the text";
   // Bar height at the natural size, in modules: where the symbology's standard sets none,
   // 50, as most generators draw.
   virtual float NaturalBarModules() const { return 50.0F; }
