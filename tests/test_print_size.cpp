@@ -95,14 +95,6 @@ TEST(PrintSize, ModulesBoxMeasureAndResolution) {
   }
 }
 
-TEST(PrintSize, TooSmallBoxNamesTheSizeNeeded) {
-  HandlePtr handle = MakeHandle(BARCODE_QR);
-  barcode_set_standard(handle.get(), 1);
-  ASSERT_EQ(barcode_set_xdim(handle.get(), 0.5, 300), 1);
-  EXPECT_EQ(barcode_draw_2d_rect(handle.get(), "hello", 100, 100), 0);
-  EXPECT_STREQ(barcode_get_last_error(handle.get()), "[QR] Box too small for the X-dimension: 174x174 px needed");
-}
-
 TEST(PrintSize, SettersRefuseWhatCannotBePrinted) {
   struct Setting {
     double mm;
