@@ -14,8 +14,8 @@ namespace {
 constexpr double kMmPerInch = 25.4;
 constexpr double kMaxXDimMm = 100.0;
 constexpr int kMaxDpi = 10000;
-// The largest picture an X-dimension may ask for: a QR Code of version 40 at 1200 dpi is
-// a sixth of it; beyond it a "natural" size is a mistake, not a label.
+// The largest picture an X-dimension may ask for: a QR Code of version 40 with 0.33 mm
+// modules at 1200 dpi is about a sixth of it; beyond it a "natural" size is a mistake.
 constexpr int64_t kMaxNaturalPixels = 50'000'000;
 
 std::string TooLarge(int64_t width, int64_t height) {
