@@ -139,9 +139,20 @@ int OurDataMatrixArea(const std::string& text, int size_value) {
   return symbol.modules.rows() * symbol.modules.cols();
 }
 
+// Sizes of ours against Zint's over a corpus: counts, sums, and each larger one named.
 struct Tally {
   int smaller = 0, equal = 0, larger = 0;
-  void Add(int ours, int theirs) { (ours < theirs ? smaller : ours == theirs ? equal : larger) += 1; }
+  long ours_sum = 0, zint_sum = 0;
+  void Add(int ours, int theirs, const char* what, const std::string& text) {
+    (ours < theirs ? smaller : ours == theirs ? equal : larger) += 1;
+    ours_sum += ours;
+    zint_sum += theirs;
+    if (ours > theirs) std::fprintf(stderr, "%s larger: %d > %d: %s\n", what, ours, theirs, text.c_str());
+  }
+  void PrintRow(const char* name, int count, const char* suffix) const {
+    std::printf("| %s | %d | %d | %d | %d | %ld / %ld%s |\n", name, count, smaller, equal, larger, ours_sum, zint_sum,
+                suffix);
+  }
 };
 
 // Every DMRE size, filled with ASCII data, module for module against Zint's.
@@ -198,25 +209,16 @@ int main(int argc, char** argv) {
   const Kind kinds[] = {{"Japanese kana and kanji", Japanese},
                         {"upper case with digit runs", UpperWithDigits},
                         {"Japanese, digits and Latin letters", Mixed}};
-  Tally total;
   for (const Kind& kind : kinds) {
     Rng rng(20261124);
     Tally tally;
-    int ours_sum = 0, zint_sum = 0;
     for (int i = 0; i < per_kind; ++i) {
       const std::string text = kind.make(rng);
-      const int ours = OurQrVersion(text);
-      const int zint = ZintQrVersion(text);
-      tally.Add(ours, zint);
-      total.Add(ours, zint);
-      ours_sum += ours;
-      zint_sum += zint;
-      if (ours > zint) std::fprintf(stderr, "QR larger: %d > %d: %s\n", ours, zint, text.c_str());
+      tally.Add(OurQrVersion(text), ZintQrVersion(text), "QR", text);
     }
-    std::printf("| %s | %d | %d | %d | %d | %d / %d in all |\n", kind.name, per_kind, tally.smaller, tally.equal,
-                tally.larger, ours_sum, zint_sum);
+    tally.PrintRow(kind.name, per_kind, " in all");
+    larger += tally.larger;
   }
-  larger += total.larger;
 
   std::printf(
       "\n| Data Matrix | payloads | smaller | equal | larger | modules, ours / Zint "
@@ -232,19 +234,13 @@ int main(int argc, char** argv) {
   for (const DmChoice& choice : choices) {
     Rng rng(20261124);
     Tally tally;
-    long ours_sum = 0, zint_sum = 0;
     const int count = 2 * per_kind;
     for (int i = 0; i < count; ++i) {
       const std::string text = i % 4 == 3 ? Japanese(rng) : i % 4 == 2 ? Mixed(rng) : Ascii(rng);
-      const int ours = OurDataMatrixArea(text, choice.ours);
-      const int zint = ZintDataMatrixArea(text, choice.zint_option_3);
-      tally.Add(ours, zint);
-      ours_sum += ours;
-      zint_sum += zint;
-      if (ours > zint) std::fprintf(stderr, "Data Matrix larger: %d > %d: %s\n", ours, zint, text.c_str());
+      tally.Add(OurDataMatrixArea(text, choice.ours), ZintDataMatrixArea(text, choice.zint_option_3), "Data Matrix",
+                text);
     }
-    std::printf("| %s | %d | %d | %d | %d | %ld / %ld |\n", choice.name, count, tally.smaller, tally.equal,
-                tally.larger, ours_sum, zint_sum);
+    tally.PrintRow(choice.name, count, "");
     larger += tally.larger;
   }
   return larger == 0 ? 0 : 1;

@@ -50,8 +50,11 @@ bool BarcodeBase::SetRotation(int degrees) {
 
 bool BarcodeBase::TakeNaturalBox(int64_t natural_width, int64_t natural_height, int* width, int* height,
                                  const std::string& log_prefix) {
+  const std::string too_large = TooLarge(natural_width, natural_height);
   if (measuring_) {
-    measured_width_ = natural_width;
+    // A measure draws nothing: a reason is kept for it, not printed.
+    if (!too_large.empty()) log::Reason(log_prefix + too_large);
+    measured_width_ = too_large.empty() ? natural_width : -1;
     measured_height_ = natural_height;
     return false;
   }
@@ -61,8 +64,8 @@ bool BarcodeBase::TakeNaturalBox(int64_t natural_width, int64_t natural_height, 
                std::to_string(natural_height) + " px needed");
     return false;
   }
-  if (const std::string problem = TooLarge(natural_width, natural_height); !problem.empty()) {
-    log::Error(log_prefix + problem);
+  if (!too_large.empty()) {
+    log::Error(log_prefix + too_large);
     return false;
   }
   *width = static_cast<int>(natural_width);
@@ -80,10 +83,6 @@ bool BarcodeBase::Measure(const std::string& text, int* width, int* height) {
   } reset{&measuring_};
   Draw(text, 0, 0, 0, 0);
   if (measured_width_ < 0) return false;
-  if (const std::string problem = TooLarge(measured_width_, measured_height_); !problem.empty()) {
-    log::Reason(problem);
-    return false;
-  }
   const bool turned = quarter_turns_ % 2 == 1;
   *width = static_cast<int>(turned ? measured_height_ : measured_width_);
   *height = static_cast<int>(turned ? measured_width_ : measured_height_);
