@@ -202,8 +202,19 @@ void BarcodeBase::FillOwnCanvas(int left, int top, int width, int height, SDL_Co
   const Uint32 pixel = OwnCanvasPixel(color);
   auto* row = static_cast<uint8_t*>(surface_->pixels) + static_cast<ptrdiff_t>(top) * surface_->pitch +
               static_cast<ptrdiff_t>(left) * 4;
-  for (int y = 0; y < height; ++y, row += surface_->pitch) {
-    std::fill_n(reinterpret_cast<Uint32*>(row), width, pixel);
+  if (width <= 0 || height <= 0) return;
+  // The first row pixel by pixel, the others copied from it: a wide copy moves whole
+  // vector registers where the fill stores one pixel at a time.
+  constexpr int kCopiedWidth = 16;
+  const uint8_t* first = row;
+  std::fill_n(reinterpret_cast<Uint32*>(row), width, pixel);
+  for (int y = 1; y < height; ++y) {
+    row += surface_->pitch;
+    if (width >= kCopiedWidth) {
+      std::memcpy(row, first, static_cast<size_t>(width) * 4);
+    } else {
+      std::fill_n(reinterpret_cast<Uint32*>(row), width, pixel);
+    }
   }
 }
 
@@ -216,6 +227,43 @@ void BarcodeBase::FillRectF(float x, float y, float width, float height, SDL_Col
   const double right = std::max(std::round(static_cast<double>(x) + width), left + 1.0);
   const double bottom = std::max(std::round(static_cast<double>(y) + height), top + 1.0);
   FillClipped(left, top, right, bottom, color);
+}
+
+void BarcodeBase::FillBars(const std::vector<SDL_FRect>& bars, SDL_Color color) {
+  int canvas_w = 0;
+  int canvas_h = 0;
+  if (bars.empty() || !OwnsCanvas() || canvas_renderer() != renderer_.get() || !CanvasExtent(&canvas_w, &canvas_h)) {
+    for (const SDL_FRect& bar : bars) FillRectF(bar.x, bar.y, bar.w, bar.h, color);
+    return;
+  }
+  // The pixel edges FillRectF and FillClipped give each bar.
+  std::vector<Span> spans;
+  spans.reserve(bars.size());
+  bool have_rows = false;
+  double rows_top = 0.0;
+  double rows_bottom = 0.0;
+  for (const SDL_FRect& bar : bars) {
+    const double left = std::round(static_cast<double>(bar.x));
+    const double top = std::round(static_cast<double>(bar.y));
+    const double right = std::clamp(std::max(std::round(static_cast<double>(bar.x) + bar.w), left + 1.0), 0.0,
+                                    static_cast<double>(canvas_w));
+    const double bottom = std::clamp(std::max(std::round(static_cast<double>(bar.y) + bar.h), top + 1.0), 0.0,
+                                     static_cast<double>(canvas_h));
+    const double clipped_left = std::clamp(left, 0.0, static_cast<double>(canvas_w));
+    const double clipped_top = std::clamp(top, 0.0, static_cast<double>(canvas_h));
+    if (!(bottom > clipped_top)) continue;  // also false for NaN
+    if (!have_rows) {
+      have_rows = true;
+      rows_top = clipped_top;
+      rows_bottom = bottom;
+    } else if (clipped_top != rows_top || bottom != rows_bottom) {
+      for (const SDL_FRect& each : bars) FillRectF(each.x, each.y, each.w, each.h, color);
+      return;
+    }
+    if (!(right > clipped_left)) continue;
+    spans.push_back(Span{static_cast<int>(clipped_left), static_cast<int>(right - clipped_left)});
+  }
+  FillSpans(spans, static_cast<int>(rows_top), static_cast<int>(rows_bottom - rows_top), color);
 }
 
 void BarcodeBase::FillRect(int x, int y, int width, int height, SDL_Color color) {

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <optional>
 
+#include "core/image_deflater.h"
 #include "core/sdl_handles.h"
 
 namespace barcode_orv {
@@ -56,6 +57,7 @@ struct PaletteImage {
   std::vector<uint8_t> alpha;    // tRNS: translucent entries come first, so it stays short
   std::vector<uint8_t> packed;
   std::vector<const uint8_t*> rows;
+  std::vector<size_t> row_offset;  // of each row in `packed`
   size_t distinct_rows = 0;
 };
 
@@ -103,18 +105,24 @@ void PackRow(uint8_t* row, int width, int bit_depth, const std::array<uint8_t, 2
   }
 }
 
-std::optional<PaletteImage> ToPaletteImage(const SDL_Surface* surface) {
-  if (surface->format->BytesPerPixel != 4 || SDL_MUSTLOCK(surface)) return std::nullopt;
-  PaletteImage image;
+// Fills `image` (whose buffers are kept from the last picture: a fresh one costs page
+// faults that took a fifth of a wide picture's time) with the palette form of `surface`;
+// false past 256 colours.
+bool ToPaletteImage(const SDL_Surface* surface, PaletteImage* out) {
+  if (surface->format->BytesPerPixel != 4 || SDL_MUSTLOCK(surface)) return false;
+  PaletteImage& image = *out;
   image.width = surface->w;
   image.height = surface->h;
+  image.palette.clear();
+  image.alpha.clear();
   const auto width = static_cast<size_t>(surface->w);
   const size_t row_bytes = width * 4;
   PaletteBuilder builder;
   // Pass 1: byte indices of every distinct row; repeated rows point at the one above.
-  std::vector<size_t> row_offset(static_cast<size_t>(surface->h));
+  std::vector<size_t>& row_offset = image.row_offset;
+  row_offset.resize(static_cast<size_t>(surface->h));
   size_t unique_rows = 0;
-  image.packed.resize(width);
+  if (image.packed.size() < width) image.packed.resize(width);
   for (int y = 0; y < surface->h; ++y) {
     const auto* src = static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch;
     if (y > 0 && std::memcmp(src, src - surface->pitch, row_bytes) == 0) {
@@ -124,22 +132,24 @@ std::optional<PaletteImage> ToPaletteImage(const SDL_Surface* surface) {
     if (image.packed.size() < (unique_rows + 1) * width) image.packed.resize(image.packed.size() * 2);
     row_offset[y] = unique_rows * width;
     if (!IndexRow(reinterpret_cast<const uint32_t*>(src), surface->w, &builder, image.packed.data() + row_offset[y])) {
-      return std::nullopt;
+      return false;
     }
     ++unique_rows;
   }
   // Translucent colours first, so the tRNS chunk ends at the last of them.
   const std::vector<uint32_t>& colors = builder.colors();
   std::array<uint8_t, 256> order{};
+  std::vector<SDL_Color> seen(colors.size());
+  for (size_t i = 0; i < colors.size(); ++i) {
+    SDL_GetRGBA(colors[i], surface->format, &seen[i].r, &seen[i].g, &seen[i].b, &seen[i].a);
+  }
   std::vector<SDL_Color> sorted;
   sorted.reserve(colors.size());
   for (int pass = 0; pass < 2; ++pass) {
     for (size_t i = 0; i < colors.size(); ++i) {
-      SDL_Color color;
-      SDL_GetRGBA(colors[i], surface->format, &color.r, &color.g, &color.b, &color.a);
-      if ((color.a < 255) != (pass == 0)) continue;
+      if ((seen[i].a < 255) != (pass == 0)) continue;
       order[i] = static_cast<uint8_t>(sorted.size());
-      sorted.push_back(color);
+      sorted.push_back(seen[i]);
     }
   }
   for (const SDL_Color& color : sorted) {
@@ -154,40 +164,17 @@ std::optional<PaletteImage> ToPaletteImage(const SDL_Surface* surface) {
   image.distinct_rows = unique_rows;
   image.rows.resize(static_cast<size_t>(surface->h));
   for (size_t y = 0; y < image.rows.size(); ++y) image.rows[y] = image.packed.data() + row_offset[y];
-  return image;
+  return true;
 }
 
-// How the rows go through zlib, chosen by measurement against the best row filter at
-// zlib level 9 (the bench's compact encoding):
-// - Two-colour pictures of many distinct rows (2D symbols): level 3 with a row that
-//   repeats the one above filtered "Up" (all zeros) and every other row unfiltered.
-//   Level 4 with the "filtered" strategy came within 1.11 x of the reference against
-//   1.04-1.17 x here, at up to 1.4 x the time (QR Code 45 bytes: 66 against 48 us).
-// - Two-colour pictures of a few distinct rows (bars without the text line): level 3 with
-//   a small hash table and no row filter. Each row is one literal run and then long
-//   copies, which zlib's fast matcher finds without hashing every byte.
-// - More colours (anti-aliased text): the Up rows as above; without them a wide picture
-//   came out 12 x the reference. Level 2 costs what level 1 does and stays within 1.21 x
-//   the reference on a line of text. More text needs longer searches: beyond 32 K pixels
-//   of distinct rows (two lines) level 3, 1.23 x instead of 1.28 x on the convenience-store
-//   code; beyond 64 K (lines of a hundred characters and more) level 5, 1.19 x instead of
-//   1.53 x on a 200-character Code 128, at 1.6 x the time. zlib's larger hash table took
-//   the convenience-store code from 510 to 360 us.
-struct Compression {
-  int level;
-  int strategy;
-  int memory_level;
-  bool up_filter_on_repeats;
-};
-constexpr size_t kFewDistinctRows = 8;
-Compression CompressionFor(const PaletteImage& image) {
-  if (image.bit_depth > 1) {
-    const size_t distinct_pixels = image.distinct_rows * static_cast<size_t>(image.width);
-    const int level = distinct_pixels <= 32 * 1024 ? 2 : distinct_pixels <= 64 * 1024 ? 3 : 5;
-    return Compression{level, Z_DEFAULT_STRATEGY, 8, true};
-  }
-  if (image.distinct_rows <= kFewDistinctRows) return Compression{3, Z_DEFAULT_STRATEGY, 4, false};
-  return Compression{3, Z_DEFAULT_STRATEGY, 8, true};
+// How far the deflater looks back through earlier strings at each position of a distinct
+// row, chosen by measurement against the best row filter at zlib level 9 (the bench's
+// compact encoding). A few steps find what there is in a line of text or a 2D symbol;
+// a long line repeats its glyphs often enough to pay for more (a 200-character Code 128
+// came to 1.04 x the reference instead of 1.21 x).
+int ChainDepthFor(const PaletteImage& image) {
+  constexpr size_t kManyDistinctPixels = 64 * 1024;
+  return image.distinct_rows * static_cast<size_t>(image.width) > kManyDistinctPixels ? 64 : 4;
 }
 
 // ---- Writing the file ----
@@ -212,20 +199,24 @@ uint32_t AdlerAfterZeroUpRow(uint32_t adler, size_t zeros) {
 }
 
 // Writes every row behind its filter-type byte into `stream`, as the image data holds
-// them, and returns the stream's Adler-32.
-uint32_t FilterRows(const PaletteImage& image, bool up_filter_on_repeats, std::vector<uint8_t>* stream) {
+// them: a row equal to the one above as an "Up" row of zeros, whose checksum is one
+// step, every other row unfiltered. Notes how each filtered row relates to the one above
+// and returns the stream's Adler-32.
+uint32_t FilterRows(const PaletteImage& image, std::vector<uint8_t>* stream, std::vector<FilteredRow>* kinds) {
   const int per_byte = 8 / image.bit_depth;
   const size_t row_bytes = (static_cast<size_t>(image.width) + per_byte - 1) / per_byte;
   const size_t stride = row_bytes + 1;
   stream->resize(stride * image.rows.size());
+  kinds->assign(image.rows.size(), FilteredRow::kDistinct);
   uint32_t adler = 1;
   for (size_t y = 0; y < image.rows.size(); ++y) {
     uint8_t* out = stream->data() + y * stride;
     // Rows equal to the one above share its storage (see ToPaletteImage).
-    if (up_filter_on_repeats && y > 0 && image.rows[y] == image.rows[y - 1]) {
+    if (y > 0 && image.rows[y] == image.rows[y - 1]) {
       out[0] = kFilterUp;  // the difference from the row above: all zeros
       std::memset(out + 1, 0, row_bytes);
       adler = AdlerAfterZeroUpRow(adler, row_bytes);
+      (*kinds)[y] = (*kinds)[y - 1] == FilteredRow::kDistinct ? FilteredRow::kZeroUp : FilteredRow::kSameAsAbove;
       continue;
     }
     out[0] = kFilterNone;
@@ -250,68 +241,23 @@ void AppendChunk(std::vector<uint8_t>* out, const char (&type)[5], const uint8_t
 
 constexpr int kWindowBits = 15;
 
-// The two bytes that open the image data's zlib stream: deflate with a 32 KB window, the
-// level as a hint, a multiple of 31.
-std::array<uint8_t, 2> ZlibHeader(int level) {
+// The two bytes that open the image data's zlib stream: deflate with a 32 KB window,
+// compression level hint "default", a multiple of 31.
+constexpr std::array<uint8_t, 2> ZlibHeader() {
   constexpr unsigned kCmf = (kWindowBits - 8) << 4 | 8;
-  const unsigned level_hint = level <= 1 ? 0 : level <= 5 ? 1 : level == 6 ? 2 : 3;
-  unsigned flg = level_hint << 6;
+  constexpr unsigned kLevelHint = 2;
+  unsigned flg = kLevelHint << 6;
   flg |= (31 - (kCmf << 8 | flg) % 31) % 31;
   return {static_cast<uint8_t>(kCmf), static_cast<uint8_t>(flg)};
 }
-
-// A raw deflate stream of zlib's, reset between images; ended on destruction.
-class Deflater {
- public:
-  Deflater() = default;
-  ~Deflater() { End(); }
-  Deflater(const Deflater&) = delete;
-  Deflater& operator=(const Deflater&) = delete;
-
-  // Appends `input` deflated with `compression` to `out`; false when zlib fails.
-  bool DeflateAll(const std::vector<uint8_t>& input, const Compression& compression, std::vector<uint8_t>* out) {
-    if (!Prepare(compression)) return false;
-    const size_t start = out->size();
-    out->resize(start + deflateBound(&stream_, static_cast<uLong>(input.size())));
-    stream_.next_in = const_cast<Bytef*>(input.data());  // zlib's API is not const-correct
-    stream_.avail_in = static_cast<uInt>(input.size());
-    stream_.next_out = out->data() + start;
-    stream_.avail_out = static_cast<uInt>(out->size() - start);
-    const bool finished = deflate(&stream_, Z_FINISH) == Z_STREAM_END;
-    if (!finished) End();  // a stream zlib failed on is not reused
-    out->resize(finished ? start + stream_.total_out : start);
-    return finished;
-  }
-
- private:
-  // The kept stream when its memory level fits (level and strategy change in place),
-  // else a new one.
-  bool Prepare(const Compression& compression) {
-    if (open_ && memory_level_ == compression.memory_level) {
-      return deflateReset(&stream_) == Z_OK && deflateParams(&stream_, compression.level, compression.strategy) == Z_OK;
-    }
-    End();
-    open_ = deflateInit2(&stream_, compression.level, Z_DEFLATED, -kWindowBits, compression.memory_level,
-                         compression.strategy) == Z_OK;
-    memory_level_ = compression.memory_level;
-    return open_;
-  }
-
-  void End() {
-    if (open_) deflateEnd(&stream_);
-    open_ = false;
-  }
-
-  z_stream stream_{};
-  bool open_ = false;
-  int memory_level_ = 0;
-};
 
 }  // namespace
 
 // What one encoder keeps from image to image.
 struct PngWorkspace {
-  Deflater deflater;
+  PaletteImage image;
+  ImageDeflater deflater;
+  std::vector<FilteredRow> row_kinds;
   std::vector<uint8_t> filtered;    // the rows behind their filter bytes
   std::vector<uint8_t> image_data;  // the zlib stream
 };
@@ -319,14 +265,12 @@ struct PngWorkspace {
 namespace {
 
 std::vector<uint8_t> SavePalettePng(const PaletteImage& image, PngWorkspace* workspace) {
-  const Compression compression = CompressionFor(image);
-  const uint32_t adler = FilterRows(image, compression.up_filter_on_repeats, &workspace->filtered);
-  const std::array<uint8_t, 2> zlib_header = ZlibHeader(compression.level);
+  const uint32_t adler = FilterRows(image, &workspace->filtered, &workspace->row_kinds);
+  const std::array<uint8_t, 2> zlib_header = ZlibHeader();
   workspace->image_data.assign(zlib_header.begin(), zlib_header.end());
-  if (!workspace->deflater.DeflateAll(workspace->filtered, compression, &workspace->image_data)) {
-    SDL_SetError("zlib could not deflate the image data");
-    return {};
-  }
+  const size_t stride = workspace->filtered.size() / image.rows.size();
+  workspace->deflater.Deflate(workspace->filtered.data(), stride, workspace->row_kinds, ChainDepthFor(image),
+                              &workspace->image_data);
   AppendBigEndian(&workspace->image_data, adler);
 
   std::vector<uint8_t> header;
@@ -349,6 +293,7 @@ std::vector<uint8_t> SavePalettePng(const PaletteImage& image, PngWorkspace* wor
   constexpr size_t kKeptBytes = size_t{16} << 20;
   if (workspace->filtered.capacity() > kKeptBytes) workspace->filtered = {};
   if (workspace->image_data.capacity() > kKeptBytes) workspace->image_data = {};
+  if (workspace->image.packed.capacity() > kKeptBytes) workspace->image.packed = {};
   return png;
 }
 
@@ -427,9 +372,9 @@ std::vector<uint8_t> PngEncoder::Encode(SDL_Surface* surface) {
     SDL_SetError("a PNG image needs at least one pixel, the canvas is %dx%d", surface->w, surface->h);
     return {};
   }
-  if (const std::optional<PaletteImage> image = ToPaletteImage(surface)) {
-    if (!workspace_) workspace_ = std::make_unique<PngWorkspace>();
-    std::vector<uint8_t> png = SavePalettePng(*image, workspace_.get());
+  if (!workspace_) workspace_ = std::make_unique<PngWorkspace>();
+  if (ToPaletteImage(surface, &workspace_->image)) {
+    std::vector<uint8_t> png = SavePalettePng(workspace_->image, workspace_.get());
     if (!png.empty()) return png;
   }
   return SaveTrueColourPng(surface);

@@ -283,11 +283,11 @@ bool BarcodeBase1D::TextInside(const TextPlacement& placement, const Box& box) {
   if (surely_inside) return true;
   const std::lock_guard<std::mutex> lock(font::Mutex());
   if (m_font == nullptr) return true;  // no font, no text line to clip
-  TTF_Font* font = font::SizedFont(SharedFontPath(), std::min(placement.font_size, kMaxRasterFontPoints));
-  if (font == nullptr) return true;
+  const int points = std::min(placement.font_size, kMaxRasterFontPoints);
+  if (font::SizedFont(SharedFontPath(), points) == nullptr) return true;
   for (const TextPiece* piece : ends) {
     int glyphs_width = 0;
-    if (TTF_SizeUTF8(font, piece->text.c_str(), &glyphs_width, nullptr) != 0) continue;
+    if (!font::TextWidth(points, piece->text, &glyphs_width)) continue;
     if (!inside(*piece, glyphs_width)) return false;
   }
   return true;
@@ -388,7 +388,7 @@ bool BarcodeBase1D::DrawLinearRaster(const std::string& text, int x, int y, int 
   if (symbol.text_lines != 1) InitLinerBarcode(width, height, symbol.text_lines);
   PlacedSymbol placed;
   if (!PlaceOrReport(symbol, x, y, width, height, log_prefix, &placed)) return false;
-  for (const SDL_FRect& bar : placed.bars) FillRectF(bar.x, bar.y, bar.w, bar.h, fore_color);
+  FillBars(placed.bars, fore_color);
   last_drawn_width = placed.drawn_width;
   for (const TextPlacement& text_placement : placed.texts) PaintTextRaster(text_placement);
   SDL_RenderPresent(canvas_renderer());

@@ -24,6 +24,9 @@ namespace {
 constexpr const char* kFontFile = "Roboto-Regular.ttf";
 // Draws use a handful of sizes; beyond this many the cache starts over.
 constexpr size_t kMaxSizedFonts = 16;
+// Texts measured once per size: the longest kept, and how many before starting over.
+constexpr size_t kMaxRememberedText = 64;
+constexpr size_t kMaxRememberedWidths = 256;
 // Rendered characters of every size together; beyond this the glyph caches start over.
 // Digits at the sizes of a text line under bars take a few kilobytes each.
 constexpr size_t kMaxCachedGlyphBytes = size_t{4} << 20;
@@ -48,6 +51,7 @@ GlyphKey KeyOf(char character, SDL_Color color) {
 struct SizedFontEntry {
   FontPtr font;
   std::map<GlyphKey, SurfacePtr> glyphs;
+  std::map<std::string, int> widths;
 };
 
 std::map<int, SizedFontEntry>& SizedFonts() {
@@ -154,7 +158,7 @@ TTF_Font* SizedFont(const std::string& path, int points) {
   }
   TTF_SetFontHinting(opened.get(), TTF_HINTING_MONO);
   TTF_Font* font = opened.get();
-  fonts.emplace(points, SizedFontEntry{std::move(opened), {}});
+  fonts.emplace(points, SizedFontEntry{std::move(opened), {}, {}});
   return font;
 }
 
@@ -178,6 +182,25 @@ SDL_Surface* RenderCharacter(int points, char character, SDL_Color color) {
     found = glyphs.emplace(key, std::move(rendered)).first;
   }
   return CopyOf(found->second.get());
+}
+
+bool TextWidth(int points, const std::string& text, int* width) {
+  const auto sized = SizedFonts().find(points);
+  if (sized == SizedFonts().end()) {
+    SDL_SetError("no font open at %d points", points);
+    return false;
+  }
+  auto& widths = sized->second.widths;
+  if (const auto found = widths.find(text); found != widths.end()) {
+    *width = found->second;
+    return true;
+  }
+  if (TTF_SizeUTF8(sized->second.font.get(), text.c_str(), width, nullptr) != 0) return false;
+  if (text.size() <= kMaxRememberedText) {
+    if (widths.size() >= kMaxRememberedWidths) widths.clear();
+    widths.emplace(text, *width);
+  }
+  return true;
 }
 
 void CloseSizedFonts() {

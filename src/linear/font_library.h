@@ -32,6 +32,13 @@ TTF_Font* SizedFont(const std::string& path, int points);
 // fails. Caller holds Mutex() and has opened the font with SizedFont.
 SDL_Surface* RenderCharacter(int points, char character, SDL_Color color);
 
+// The width in pixels of `text` set in the sized font at `points`, as TTF_SizeUTF8 gives
+// it, into `width`: short texts are measured once and then remembered with that font
+// (a line is measured on every draw, and shaping it took a twentieth of a draw). False,
+// with SDL's error set, when measuring fails. Caller holds Mutex() and has opened the
+// font with SizedFont.
+bool TextWidth(int points, const std::string& text, int* width);
+
 // Closes every sized font.
 void CloseSizedFonts();
 // Forgets every sized font without closing it: for faces FreeType already freed.
