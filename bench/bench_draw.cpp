@@ -45,9 +45,14 @@ std::string Repeat(const std::string& piece, size_t length) {
   return text;
 }
 
+// Zint's settings give a picture about our box's size: bars of our module width where it
+// can, heights with its text line included. Zint draws a text line only from scale 1 (2 px
+// a module) up, so beside our 1 px modules (Code 39 in 300 px, GS1-128 in 500 px) its bars
+// are twice as wide.
 const std::vector<Workload>& Workloads() {
   static const std::vector<Workload> workloads = {
-      {"Code39_ABC-1234_300x100_text", BARCODE_CODE39, "ABC-1234", 300, 100, true, std::nullopt},
+      {"Code39_ABC-1234_300x100_text", BARCODE_CODE39, "ABC-1234", 300, 100, true, ZintSymbol::kCode39,
+       ZintSettings{1.0F, 42.0F, true}},
       {"Code128_auto_20_520x100_text", BARCODE_CODE128, Repeat("Lot 4711-0815 ab\tCD 20240131 xyz ", 20), 520, 100,
        true, std::nullopt},
       {"Code128_auto_200_4480x100_text", BARCODE_CODE128, Repeat("Lot 4711-0815 ab\tCD 20240131 xyz ", 200), 4480, 100,
@@ -76,12 +81,16 @@ const std::vector<Workload>& Workloads() {
        false,
        0.0,
        90},
-      {"JAN13_addon5_400x100_text", BARCODE_JAN13, "4901234567894+12345", 400, 100, true, std::nullopt},
-      {"JAN8_200x100_text", BARCODE_JAN8, "4912345", 200, 100, true, std::nullopt},
-      {"UPCA_300x100_text", BARCODE_UPCA, "036000291452", 300, 100, true, std::nullopt},
-      {"UPCE_200x100_text", BARCODE_UPCE, "01234565", 200, 100, true, std::nullopt},
+      {"JAN13_addon5_400x100_text", BARCODE_JAN13, "4901234567894+12345", 400, 100, true, ZintSymbol::kEan13,
+       ZintSettings{1.0F, 42.0F, true}},
+      {"JAN8_200x100_text", BARCODE_JAN8, "4912345", 200, 100, true, ZintSymbol::kEan8,
+       ZintSettings{1.0F, 42.0F, true}},
+      {"UPCA_300x100_text", BARCODE_UPCA, "036000291452", 300, 100, true, ZintSymbol::kUpcA,
+       ZintSettings{1.0F, 42.0F, true}},
+      {"UPCE_200x100_text", BARCODE_UPCE, "01234565", 200, 100, true, ZintSymbol::kUpcE,
+       ZintSettings{1.5F, 25.4F, true}},
       {"GS1-128_3AI_500x100_text", BARCODE_GS1_128, "(01)04912345678904(10)ABC123(17)251231", 500, 100, true,
-       std::nullopt},
+       ZintSymbol::kGs1_128, ZintSettings{1.0F, 42.0F, true}},
       {"GS1-128_convenience_600x240",
        BARCODE_GS1_128,
        "9191234512345678901234567890123425013102500",
@@ -104,8 +113,13 @@ const std::vector<Workload>& Workloads() {
        ZintSettings{5.0F, 0.0F, false}},
       {"PDF417_200B_376x114", BARCODE_PDF417, Repeat("PDF417 benchmark payload; 0123456789 ", 200), 376, 114, false,
        ZintSymbol::kPdf417, ZintSettings{1.0F, 0.0F, false}},
+      // Ours: 8 columns at 2 px a module, its 17 rows stretched to 357 px; Zint the same.
+      {"PDF417_200B_600x400", BARCODE_PDF417, Repeat("PDF417 benchmark payload; 0123456789 ", 200), 600, 400, false,
+       ZintSymbol::kPdf417, ZintSettings{1.0F, 178.5F, false, -1, 8}},
       {"DataBar14_300x100", BARCODE_GS1_DATABAR_14, "0950110153000", 300, 100, false, ZintSymbol::kDataBarOmni,
        ZintSettings{1.5F, 33.0F, false}},
+      {"DataBar14_300x100_text", BARCODE_GS1_DATABAR_14, "0950110153000", 300, 100, true, ZintSymbol::kDataBarOmni,
+       ZintSettings{1.5F, 25.4F, true}},
       {"DataBarExpanded_4AI_600x100", BARCODE_GS1_DATABAR_EXPANDED,
        "(01)98898765432106(3202)012345(15)991231(10)ABC123", 600, 100, false, ZintSymbol::kDataBarExpanded,
        ZintSettings{1.0F, 50.0F, false}},

@@ -17,8 +17,13 @@ namespace {
 int ZintSymbology(ZintSymbol symbol) {
   switch (symbol) {
     case ZintSymbol::kCode128: return BARCODE_CODE128;
-    case ZintSymbol::kQrCode: return BARCODE_QRCODE;
+    case ZintSymbol::kCode39: return BARCODE_CODE39;
+    case ZintSymbol::kGs1_128: return BARCODE_GS1_128;
     case ZintSymbol::kEan13: return BARCODE_EANX;
+    case ZintSymbol::kEan8: return BARCODE_EANX;
+    case ZintSymbol::kUpcA: return BARCODE_UPCA;
+    case ZintSymbol::kUpcE: return BARCODE_UPCE;
+    case ZintSymbol::kQrCode: return BARCODE_QRCODE;
     case ZintSymbol::kDataBarOmni: return BARCODE_DBAR_OMN;
     case ZintSymbol::kDataBarExpanded: return BARCODE_DBAR_EXP;
     case ZintSymbol::kDataMatrix: return BARCODE_DATAMATRIX;
@@ -40,8 +45,11 @@ ZintResult ZintPng(ZintSymbol symbol, const std::string& text, const ZintSetting
   zint->show_hrt = settings.show_text ? 1 : 0;
   if (settings.option_1 >= 0) zint->option_1 = settings.option_1;
   if (settings.option_2 > 0) zint->option_2 = settings.option_2;
+  if (settings.option_3 > 0) zint->option_3 = settings.option_3;
   // Element strings as this library takes them: AIs in parentheses.
-  if (symbol == ZintSymbol::kDataBarExpanded) zint->input_mode = GS1_MODE | GS1PARENS_MODE;
+  if (symbol == ZintSymbol::kDataBarExpanded || symbol == ZintSymbol::kGs1_128) {
+    zint->input_mode = GS1_MODE | GS1PARENS_MODE;
+  }
   const size_t length = path.copy(zint->outfile, sizeof zint->outfile - 1);
   zint->outfile[length] = '\0';
   const int status = ZBarcode_Encode_and_Print(zint, reinterpret_cast<const unsigned char*>(text.data()),
