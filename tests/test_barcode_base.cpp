@@ -114,6 +114,19 @@ TEST(PngEncoderTest, PaletteImagesKeepEveryPixelAtEachBitDepth) {
   }
 }
 
+// Rows longer than the checksum's 5,552-byte stretch between reductions, and a long
+// repeated run between them.
+TEST(PngEncoderTest, WideRowsKeepEveryPixel) {
+  SurfacePtr surface = MakeSurface(6000, 40);
+  std::mt19937 rng(7);
+  auto* pixels = static_cast<uint32_t*>(surface->pixels);
+  for (int i = 0; i < 6000 * 40; ++i) {
+    const int row = i / 6000;
+    pixels[i] = row > 0 && row < 39 ? pixels[i - 6000] : 0xFF000000U | (rng() % 200) * 0x010101U;
+  }
+  ExpectSamePixels(surface.get(), EncodeSurfacePng(surface.get()));
+}
+
 TEST(PngEncoderTest, EmptyCanvasGivesNoBytes) {
   for (const auto& [width, height] : {std::pair{0, 10}, std::pair{10, 0}, std::pair{0, 0}}) {
     SurfacePtr surface = MakeSurface(width, height);

@@ -672,7 +672,9 @@ class ImageDeflater::Search {
     const uint32_t first = First3(here);
     const size_t farthest = std::min(i, kWindow);
     const auto consider = [&](size_t distance) {
-      if (distance - 1 >= farthest) return;  // also 0, which wraps
+      // Nothing beats a match to the limit (whose next byte may lie past the data); 0
+      // wraps to the largest distance.
+      if (best.length == limit || distance - 1 >= farthest) return;
       const uint8_t* there = here - distance;
       // Most candidates fail at once: a match of three bytes first, then one longer than the best.
       if (First3(there) != first || here[best.length] != there[best.length]) return;
@@ -683,7 +685,6 @@ class ImageDeflater::Search {
     if (above != 1) consider(above);
     if (stride_ != above) consider(stride_);
     for (const size_t distance : recent_) {
-      if (best.length == limit) return best;
       if (distance != above) consider(distance);
     }
     if (best.length >= std::min(limit, kNiceLength)) return best;
