@@ -15,6 +15,7 @@
 
 #include "core/barcode_base.h"
 #include "core/fixed_format.h"
+#include "core/pixel_blend.h"
 #include "core/png_encoder.h"
 #include "core/sdl_handles.h"
 #include "linear/code39.h"
@@ -125,6 +126,33 @@ TEST(PngEncoderTest, WideRowsKeepEveryPixel) {
     pixels[i] = row > 0 && row < 39 ? pixels[i - 6000] : 0xFF000000U | (rng() % 200) * 0x010101U;
   }
   ExpectSamePixels(surface.get(), EncodeSurfacePng(surface.get()));
+}
+
+// A glyph blended by the library, against SDL_BlitSurface in blend mode: every alpha over
+// opaque and translucent canvases, placed inside, across each edge and off the canvas.
+TEST(PixelBlendTest, SamePixelsAsSdlsBlit) {
+  std::mt19937 rng(11);
+  SurfacePtr glyph(SDL_CreateRGBSurfaceWithFormat(0, 23, 17, 32, SDL_PIXELFORMAT_ARGB8888));
+  ASSERT_NE(glyph, nullptr);
+  const std::pair<int, int> places[] = {{5, 4}, {-7, 3}, {50, -9}, {55, 30}, {-30, -30}, {70, 10}, {0, 0}};
+  for (const bool opaque_canvas : {true, false}) {
+    for (const auto& [left, top] : places) {
+      auto* source = static_cast<uint32_t*>(glyph->pixels);
+      for (int i = 0; i < glyph->w * glyph->h; ++i)
+        source[i] = static_cast<uint32_t>(i % 256) << 24 | (rng() & 0xFFFFFFU);
+      SurfacePtr ours = MakeSurface(64, 40);
+      auto* canvas = static_cast<uint32_t*>(ours->pixels);
+      for (int i = 0; i < 64 * 40; ++i)
+        canvas[i] = (opaque_canvas ? 0xFF000000U : rng() & 0xFF000000U) | (rng() & 0xFFFFFFU);
+      SurfacePtr sdls(SDL_ConvertSurface(ours.get(), ours->format, 0));
+      ASSERT_TRUE(CanBlendGlyph(glyph.get(), ours.get()));
+      BlendGlyph(glyph.get(), ours.get(), left, top);
+      SDL_SetSurfaceBlendMode(glyph.get(), SDL_BLENDMODE_BLEND);
+      SDL_Rect target{left, top, glyph->w, glyph->h};
+      ASSERT_EQ(SDL_BlitSurface(glyph.get(), nullptr, sdls.get(), &target), 0);
+      EXPECT_EQ(0, std::memcmp(ours->pixels, sdls->pixels, 64 * 40 * 4)) << left << ", " << top;
+    }
+  }
 }
 
 TEST(PngEncoderTest, EmptyCanvasGivesNoBytes) {

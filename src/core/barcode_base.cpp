@@ -11,6 +11,7 @@
 
 #include "core/fixed_format.h"
 #include "core/log.h"
+#include "core/pixel_blend.h"
 #include "core/png_encoder.h"
 
 namespace barcode_orv {
@@ -338,21 +339,31 @@ bool BarcodeBase::CanvasExtent(int* width, int* height) const {
   return SDL_GetRendererOutputSize(renderer, width, height) == 0;
 }
 
-bool BarcodeBase::BlendOntoCanvas(SDL_Surface* image, int left, int top) {
+bool BarcodeBase::BlendOntoCanvas(const SDL_Surface* image, int left, int top) {
   SDL_Renderer* renderer = canvas_renderer();
   if (renderer == nullptr) return false;
   if (OwnsCanvas()) {
+    SDL_RenderFlush(renderer);
+    if (CanBlendGlyph(image, surface_.get())) {
+      BlendGlyph(image, surface_.get(), left, top);
+      return true;
+    }
+  }
+  // SDL writes into the source surface it blits or uploads: a copy, as the image may be
+  // a glyph other draws share.
+  SurfacePtr copy(SDL_ConvertSurface(const_cast<SDL_Surface*>(image), image->format, 0));
+  if (!copy) return false;
+  if (OwnsCanvas()) {
     // The blit the software renderer's copy ends in, without first copying the image
     // into a texture: the same pixels.
-    SDL_RenderFlush(renderer);
-    SDL_SetSurfaceBlendMode(image, SDL_BLENDMODE_BLEND);
-    SDL_Rect target{left, top, image->w, image->h};
-    return SDL_BlitSurface(image, nullptr, surface_.get(), &target) == 0;
+    SDL_SetSurfaceBlendMode(copy.get(), SDL_BLENDMODE_BLEND);
+    SDL_Rect target{left, top, copy->w, copy->h};
+    return SDL_BlitSurface(copy.get(), nullptr, surface_.get(), &target) == 0;
   }
-  TexturePtr texture(SDL_CreateTextureFromSurface(renderer, image));
+  TexturePtr texture(SDL_CreateTextureFromSurface(renderer, copy.get()));
   if (!texture) return false;
   SDL_SetTextureBlendMode(texture.get(), SDL_BLENDMODE_BLEND);
-  const SDL_Rect target{left, top, image->w, image->h};
+  const SDL_Rect target{left, top, copy->w, copy->h};
   SDL_RenderCopy(renderer, texture.get(), nullptr, &target);
   return true;
 }

@@ -156,7 +156,7 @@ class BarcodeBase : public IBarcodeSymbology {
   bool CanvasExtent(int* width, int* height) const;
   // Blends `image` (its alpha over the canvas, as SDL's "blend" mode) with its top-left
   // at (left, top), clipped to the canvas; false with SDL's error when that fails.
-  bool BlendOntoCanvas(SDL_Surface* image, int left, int top);
+  bool BlendOntoCanvas(const SDL_Surface* image, int left, int top);
 
   // True when the family's draw, once it has encoded the symbol, must take its natural
   // size from TakeNaturalBox (an X-dimension is set, or Measure is asking).

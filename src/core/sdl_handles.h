@@ -30,4 +30,10 @@ using TexturePtr = std::unique_ptr<SDL_Texture, TextureDeleter>;
 using FontPtr = std::unique_ptr<TTF_Font, FontDeleter>;
 using RWopsPtr = std::unique_ptr<SDL_RWops, RWopsDeleter>;
 
+// A surface several owners read (a cached glyph and the pieces drawn from it).
+using SharedSurface = std::shared_ptr<SDL_Surface>;
+inline SharedSurface ShareSurface(SDL_Surface* surface) {
+  return surface == nullptr ? SharedSurface() : SharedSurface(surface, SurfaceDeleter());
+}
+
 }  // namespace barcode_orv

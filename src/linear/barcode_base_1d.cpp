@@ -500,8 +500,9 @@ BarcodeBase1D::RenderedPiece BarcodeBase1D::RenderPiece(TTF_Font* font, const Te
       int64_t{text_w} * text_h <= kMaxTextLinePixels) {
     // A lone character (the even-spaced line, digits under their modules) comes from the
     // font's glyph cache.
-    rendered.surface.reset(piece.text.size() == 1 ? font::RenderCharacter(points, piece.text[0], fore_color)
-                                                  : TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
+    rendered.surface = piece.text.size() == 1
+                           ? font::RenderCharacter(points, piece.text[0], fore_color)
+                           : ShareSurface(TTF_RenderUTF8_Blended(font, piece.text.c_str(), fore_color));
     if (!rendered.surface) {
       rendered.error = SDL_GetError();
       return rendered;
@@ -522,7 +523,7 @@ BarcodeBase1D::RenderedPiece BarcodeBase1D::RenderPiece(TTF_Font* font, const Te
   int kept = 0;
   TTF_MeasureUTF8(font, rest.c_str(), ClampToInt(int64_t{canvas.width} + text_h), &kept_w, &kept);
   const std::string visible = rest.substr(0, Utf8Offset(rest, static_cast<size_t>(kept) + 1));
-  rendered.surface.reset(TTF_RenderUTF8_Blended(font, visible.c_str(), fore_color));
+  rendered.surface = ShareSurface(TTF_RenderUTF8_Blended(font, visible.c_str(), fore_color));
   if (!rendered.surface) rendered.error = SDL_GetError();
   rendered.left = left + skipped_w;
   return rendered;

@@ -207,7 +207,7 @@ class BarcodeBase1D : public BarcodeBase {
   };
   // A piece rendered at `points`, with its left edge on the canvas.
   struct RenderedPiece {
-    SurfacePtr surface;
+    SharedSurface surface;  // read only: a lone character's is the font cache's own
     int64_t left = 0;
     std::string error;  // SDL's, when rendering failed
   };

@@ -50,7 +50,7 @@ GlyphKey KeyOf(char character, SDL_Color color) {
 
 struct SizedFontEntry {
   FontPtr font;
-  std::map<GlyphKey, SurfacePtr> glyphs;
+  std::map<GlyphKey, SharedSurface> glyphs;
   std::map<std::string, int> widths;
 };
 
@@ -68,20 +68,6 @@ void ForgetGlyphs() {
 }
 
 size_t PixelBytes(const SDL_Surface* surface) { return static_cast<size_t>(surface->pitch) * surface->h; }
-
-// A plain copy of the pixels in a surface of its own. (SDL_DuplicateSurface's copy
-// carries a blit mapping that made blending it onto the canvas slower.)
-SDL_Surface* CopyOf(const SDL_Surface* surface) {
-  SDL_Surface* copy =
-      SDL_CreateRGBSurfaceWithFormat(0, surface->w, surface->h, surface->format->BitsPerPixel, surface->format->format);
-  if (copy == nullptr) return nullptr;
-  const size_t row_bytes = static_cast<size_t>(surface->w) * surface->format->BytesPerPixel;
-  for (int y = 0; y < surface->h; ++y) {
-    std::memcpy(static_cast<uint8_t*>(copy->pixels) + static_cast<ptrdiff_t>(y) * copy->pitch,
-                static_cast<const uint8_t*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch, row_bytes);
-  }
-  return copy;
-}
 
 // Directory of the file this library was loaded from (the shared or the linking
 // program), so an installed font is found wherever the prefix was.
@@ -162,7 +148,7 @@ TTF_Font* SizedFont(const std::string& path, int points) {
   return font;
 }
 
-SDL_Surface* RenderCharacter(int points, char character, SDL_Color color) {
+SharedSurface RenderCharacter(int points, char character, SDL_Color color) {
   const auto sized = SizedFonts().find(points);
   if (sized == SizedFonts().end()) {
     SDL_SetError("no font open at %d points", points);
@@ -170,18 +156,16 @@ SDL_Surface* RenderCharacter(int points, char character, SDL_Color color) {
   }
   auto& glyphs = sized->second.glyphs;
   const GlyphKey key = KeyOf(character, color);
-  auto found = glyphs.find(key);
-  if (found == glyphs.end()) {
-    const char text[] = {character, '\0'};
-    SurfacePtr rendered(TTF_RenderUTF8_Blended(sized->second.font.get(), text, color));
-    if (!rendered) return nullptr;
-    const size_t bytes = PixelBytes(rendered.get());
-    if (bytes > kMaxCachedGlyphBytes) return rendered.release();
-    if (cached_glyph_bytes + bytes > kMaxCachedGlyphBytes) ForgetGlyphs();
-    cached_glyph_bytes += bytes;
-    found = glyphs.emplace(key, std::move(rendered)).first;
-  }
-  return CopyOf(found->second.get());
+  if (const auto found = glyphs.find(key); found != glyphs.end()) return found->second;
+  const char text[] = {character, '\0'};
+  SharedSurface rendered = ShareSurface(TTF_RenderUTF8_Blended(sized->second.font.get(), text, color));
+  if (!rendered) return nullptr;
+  const size_t bytes = PixelBytes(rendered.get());
+  if (bytes > kMaxCachedGlyphBytes) return rendered;
+  if (cached_glyph_bytes + bytes > kMaxCachedGlyphBytes) ForgetGlyphs();
+  cached_glyph_bytes += bytes;
+  glyphs.emplace(key, rendered);
+  return rendered;
 }
 
 bool TextWidth(int points, const std::string& text, int* width) {

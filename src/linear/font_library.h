@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/sdl_handles.h"
+
 namespace barcode_orv::font {
 
 // Directory of the running executable (without the trailing '/'), or "./".
@@ -26,11 +28,11 @@ std::mutex& Mutex();
 TTF_Font* SizedFont(const std::string& path, int points);
 
 // `character` (one byte) rendered blended in `color` by the sized font at `points`, as
-// TTF_RenderUTF8_Blended renders it: rendered once, then copied from a cache kept with
-// that font, since shaping cannot change a lone character. Each caller gets its own copy
-// (a blit writes into its source surface). Null, with SDL's error set, when rendering
-// fails. Caller holds Mutex() and has opened the font with SizedFont.
-SDL_Surface* RenderCharacter(int points, char character, SDL_Color color);
+// TTF_RenderUTF8_Blended renders it: rendered once, then shared from a cache kept with
+// that font, since shaping cannot change a lone character. The surface is only to be
+// read (a blit writes into its source: copy it first). Null, with SDL's error set, when
+// rendering fails. Caller holds Mutex() and has opened the font with SizedFont.
+SharedSurface RenderCharacter(int points, char character, SDL_Color color);
 
 // The width in pixels of `text` set in the sized font at `points`, as TTF_SizeUTF8 gives
 // it, into `width`: short texts are measured once and then remembered with that font

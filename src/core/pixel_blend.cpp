@@ -1,0 +1,47 @@
+#include "core/pixel_blend.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace barcode_orv {
+namespace {
+
+// One ARGB8888 pixel over one ABGR8888 pixel. Colour: d + (s - d) * a / 256, red and
+// blue together in one word; alpha: a + d_alpha * (255 - a) / 256. Hence a glyph's edge
+// over an opaque canvas comes out at alpha 254, as SDL's does.
+uint32_t Over(uint32_t argb, uint32_t abgr) {
+  const uint32_t alpha = argb >> 24;
+  const uint32_t source = (argb & 0xFF00FF00U) | (argb >> 16 & 0xFFU) | (argb & 0xFFU) << 16;  // as ABGR
+  if (alpha == 0xFFU) return source;
+  const uint32_t red_blue = abgr & 0xFF00FFU;
+  const uint32_t green = abgr & 0xFF00U;
+  const uint32_t new_red_blue = (red_blue + (((source & 0xFF00FFU) - red_blue) * alpha >> 8)) & 0xFF00FFU;
+  const uint32_t new_green = (green + (((source & 0xFF00U) - green) * alpha >> 8)) & 0xFF00U;
+  const uint32_t new_alpha = alpha + ((abgr >> 24) * (alpha ^ 0xFFU) >> 8);
+  return new_red_blue | new_green | new_alpha << 24;
+}
+
+}  // namespace
+
+bool CanBlendGlyph(const SDL_Surface* image, const SDL_Surface* canvas) {
+  return image->format->format == SDL_PIXELFORMAT_ARGB8888 && canvas->format->format == SDL_PIXELFORMAT_ABGR8888 &&
+         !SDL_MUSTLOCK(image) && !SDL_MUSTLOCK(canvas);
+}
+
+void BlendGlyph(const SDL_Surface* image, SDL_Surface* canvas, int left, int top) {
+  const int64_t from_x = std::max<int64_t>(left, 0);
+  const int64_t from_y = std::max<int64_t>(top, 0);
+  const int64_t to_x = std::min<int64_t>(int64_t{left} + image->w, canvas->w);
+  const int64_t to_y = std::min<int64_t>(int64_t{top} + image->h, canvas->h);
+  for (int64_t y = from_y; y < to_y; ++y) {
+    const auto* source =
+        reinterpret_cast<const uint32_t*>(static_cast<const uint8_t*>(image->pixels) + (y - top) * image->pitch) +
+        (from_x - left);
+    auto* target = reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(canvas->pixels) + y * canvas->pitch) + from_x;
+    for (int64_t x = from_x; x < to_x; ++x, ++source, ++target) {
+      if ((*source >> 24) != 0) *target = Over(*source, *target);
+    }
+  }
+}
+
+}  // namespace barcode_orv
