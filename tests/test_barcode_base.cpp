@@ -155,6 +155,45 @@ TEST(PixelBlendTest, SamePixelsAsSdlsBlit) {
   }
 }
 
+// The painting calls of the root class, opened for the test.
+class Painter : public BarcodeBase {
+ public:
+  Painter() : BarcodeBase("png") {}
+  bool Draw(const std::string& text, int x, int y, int width, int height) override {
+    return BarcodeBase::Draw(text, x, y, width, height);
+  }
+  using BarcodeBase::canvas_surface;
+  using BarcodeBase::FillBars;
+  using BarcodeBase::FillRectF;
+};
+
+// Bars of several heights, overlapping, fractional, across the edges and off the canvas:
+// filled band by band, the same pixels as one FillRectF each.
+TEST(FillBarsTest, SamePixelsAsEachBarFilled) {
+  std::mt19937 rng(3);
+  const auto coordinate = [&rng](float low, float high) {
+    return low + (high - low) * static_cast<float>(rng() % 10000) / 10000.0F;
+  };
+  for (int round = 0; round < 40; ++round) {
+    std::vector<SDL_FRect> bars;
+    const int heights = 1 + round % 4;  // one height (most symbols) up to four (guards, add-on)
+    for (int i = 0; i < 30; ++i) {
+      const float top =
+          static_cast<float>(rng() % static_cast<unsigned>(heights)) * 7.5F - (round % 5 == 0 ? 20.0F : 0.0F);
+      bars.push_back(SDL_FRect{coordinate(-10.0F, 125.0F), top, coordinate(0.0F, 6.0F), coordinate(0.0F, 90.0F)});
+    }
+    if (round % 7 == 0) bars.push_back(SDL_FRect{NAN, 3.0F, 4.0F, 40.0F});
+    Painter banded;
+    Painter each;
+    ASSERT_TRUE(banded.Draw("", 0, 0, 120, 70));
+    ASSERT_TRUE(each.Draw("", 0, 0, 120, 70));
+    banded.FillBars(bars, SDL_Color{10, 20, 30, 255});
+    for (const SDL_FRect& bar : bars) each.FillRectF(bar.x, bar.y, bar.w, bar.h, SDL_Color{10, 20, 30, 255});
+    EXPECT_EQ(0, std::memcmp(banded.canvas_surface()->pixels, each.canvas_surface()->pixels, 120 * 70 * 4))
+        << "round " << round;
+  }
+}
+
 TEST(PngEncoderTest, EmptyCanvasGivesNoBytes) {
   for (const auto& [width, height] : {std::pair{0, 10}, std::pair{10, 0}, std::pair{0, 0}}) {
     SurfacePtr surface = MakeSurface(width, height);

@@ -237,34 +237,43 @@ void BarcodeBase::FillBars(const std::vector<SDL_FRect>& bars, SDL_Color color) 
     for (const SDL_FRect& bar : bars) FillRectF(bar.x, bar.y, bar.w, bar.h, color);
     return;
   }
-  // The pixel edges FillRectF and FillClipped give each bar.
-  std::vector<Span> spans;
-  spans.reserve(bars.size());
-  bool have_rows = false;
-  double rows_top = 0.0;
-  double rows_bottom = 0.0;
+  // The pixels FillRectF and FillClipped give each bar.
+  struct Pixels {
+    int left;
+    int top;
+    int right;
+    int bottom;
+  };
+  std::vector<Pixels> boxes;
+  boxes.reserve(bars.size());
+  std::vector<int> edges;  // the rows where the set of bars changes
+  const auto clamp = [](double value, int high) { return std::clamp(value, 0.0, static_cast<double>(high)); };
   for (const SDL_FRect& bar : bars) {
     const double left = std::round(static_cast<double>(bar.x));
     const double top = std::round(static_cast<double>(bar.y));
-    const double right = std::clamp(std::max(std::round(static_cast<double>(bar.x) + bar.w), left + 1.0), 0.0,
-                                    static_cast<double>(canvas_w));
-    const double bottom = std::clamp(std::max(std::round(static_cast<double>(bar.y) + bar.h), top + 1.0), 0.0,
-                                     static_cast<double>(canvas_h));
-    const double clipped_left = std::clamp(left, 0.0, static_cast<double>(canvas_w));
-    const double clipped_top = std::clamp(top, 0.0, static_cast<double>(canvas_h));
-    if (!(bottom > clipped_top)) continue;  // also false for NaN
-    if (!have_rows) {
-      have_rows = true;
-      rows_top = clipped_top;
-      rows_bottom = bottom;
-    } else if (clipped_top != rows_top || bottom != rows_bottom) {
-      for (const SDL_FRect& each : bars) FillRectF(each.x, each.y, each.w, each.h, color);
-      return;
-    }
-    if (!(right > clipped_left)) continue;
-    spans.push_back(Span{static_cast<int>(clipped_left), static_cast<int>(right - clipped_left)});
+    const double right = clamp(std::max(std::round(static_cast<double>(bar.x) + bar.w), left + 1.0), canvas_w);
+    const double bottom = clamp(std::max(std::round(static_cast<double>(bar.y) + bar.h), top + 1.0), canvas_h);
+    const double clipped_left = clamp(left, canvas_w);
+    const double clipped_top = clamp(top, canvas_h);
+    if (!(right > clipped_left) || !(bottom > clipped_top)) continue;  // also false for NaN
+    boxes.push_back(Pixels{static_cast<int>(clipped_left), static_cast<int>(clipped_top), static_cast<int>(right),
+                           static_cast<int>(bottom)});
+    edges.push_back(boxes.back().top);
+    edges.push_back(boxes.back().bottom);
   }
-  FillSpans(spans, static_cast<int>(rows_top), static_cast<int>(rows_bottom - rows_top), color);
+  std::sort(edges.begin(), edges.end());
+  edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
+  // Between two edges every row holds the same bars (and, before them, background only):
+  // FillSpans paints the first and copies it down.
+  std::vector<Span> spans;
+  for (size_t band = 0; band + 1 < edges.size(); ++band) {
+    spans.clear();
+    for (const Pixels& box : boxes) {
+      if (box.top <= edges[band] && box.bottom >= edges[band + 1])
+        spans.push_back(Span{box.left, box.right - box.left});
+    }
+    FillSpans(spans, edges[band], edges[band + 1] - edges[band], color);
+  }
 }
 
 void BarcodeBase::FillRect(int x, int y, int width, int height, SDL_Color color) {

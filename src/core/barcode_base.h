@@ -142,8 +142,8 @@ class BarcodeBase : public IBarcodeSymbology {
     int width;
   };
   void FillSpans(const std::vector<Span>& spans, int top, int height, SDL_Color color);
-  // Fills every bar as FillRectF does. Only on a canvas that holds background alone: bars
-  // of one top and bottom, as most symbols have, become spans of one FillSpans.
+  // Fills every bar as FillRectF does. Only on a canvas that holds background alone: the
+  // rows between two bar ends each become one FillSpans.
   void FillBars(const std::vector<SDL_FRect>& bars, SDL_Color color);
   // Fills the whole pixels [left, right) x [top, bottom), clipped to the canvas.
   void FillPixels(double left, double top, double right, double bottom, SDL_Color color) {

@@ -656,12 +656,10 @@ class ImageDeflater::Search {
     }
   }
 
-  // Distances other than a run's and the row's, most recent first: the next glyph or
-  // module of a kind often sits as far back as the last one did.
+  // The last distance other than a run's and the rows': the next glyph or module of a
+  // kind often sits as far back as the last one did.
   void Remember(size_t distance) {
-    if (distance == 1 || distance == stride_ || distance == recent_[0]) return;
-    recent_[1] = recent_[0];
-    recent_[0] = distance;
+    if (distance != 1 && distance != stride_) recent_ = distance;
   }
 
   Found Longest(size_t i, size_t end, size_t above) const {
@@ -684,9 +682,7 @@ class ImageDeflater::Search {
     consider(1);
     if (above != 1) consider(above);
     if (stride_ != above) consider(stride_);
-    for (const size_t distance : recent_) {
-      if (distance != above) consider(distance);
-    }
+    if (recent_ != above) consider(recent_);
     if (best.length >= std::min(limit, kNiceLength)) return best;
     if (chain_depth_ == 0 || i + 4 > size_) return best;
     uint32_t entry = owner_.head_[HashOf(Load32(data_ + i))];
@@ -731,7 +727,7 @@ class ImageDeflater::Search {
   BitWriter* out_;
   size_t position_ = 0;
   size_t block_start_ = 0;
-  std::array<size_t, 2> recent_{};
+  size_t recent_ = 0;
 };
 
 ImageDeflater::ImageDeflater() = default;

@@ -2,10 +2,11 @@
 //
 // zlib searches every byte alike. Our pictures are rows that repeat the row above, and
 // bands of distinct rows: bars, modules, anti-aliased text on a plain ground. Here a
-// repeated row costs one copy and nothing is searched for it; a distinct row is matched
-// against the byte before (runs), the row above, the last two distances used (a glyph or
-// a module seen again) and a short hash chain of earlier 4-byte strings. That finds most
-// of what zlib's level 9 finds, at a fraction of level 2's time.
+// long run of repeated rows costs a few copies and nothing is searched for it; a distinct
+// row is matched against the byte before (runs), the nearest distinct row above, the last
+// distance used (a glyph or a module seen again) and a short hash chain of earlier 4-byte
+// strings. On our pictures that comes within 1.15 x of the best filter at zlib level 9
+// (against 1.17-1.41 x for zlib at the levels it could afford), in less time.
 #pragma once
 
 #include <cstddef>
