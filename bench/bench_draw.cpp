@@ -8,12 +8,12 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "barcode_ffi.h"
+#include "support/median_reporter.h"
 #include "support/zint_png.h"
 
 namespace {
@@ -332,29 +332,10 @@ void RegisterWorkloads() {
 
 // ---- The ratios the raster targets are stated in, printed after the table ----
 
-// Keeps each benchmark's real time (the median when repeated) and counters, and prints
-// one line a workload: PNG against Zint, data URI against PNG, PNG bytes against the
-// compact encoding.
-class RatioReporter : public benchmark::ConsoleReporter {
+// Prints one line a workload after the console table: PNG against Zint, data URI
+// against PNG, PNG bytes against the compact encoding.
+class RatioReporter : public barcode_orv::bench::MedianReporter {
  public:
-  RatioReporter() : ConsoleReporter(isatty(STDOUT_FILENO) != 0 ? OO_Color : OO_None) {}
-
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.error_occurred) continue;
-      const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
-      if (run.run_type == Run::RT_Aggregate && !median) continue;
-      Result& result = results_[run.run_name.function_name];
-      if (result.from_median && !median) continue;
-      result.from_median = median;
-      result.microseconds = run.GetAdjustedRealTime() * benchmark::GetTimeUnitMultiplier(benchmark::kMicrosecond) /
-                            benchmark::GetTimeUnitMultiplier(run.time_unit);
-      const auto ratio = run.counters.find("size_ratio");
-      if (ratio != run.counters.end()) result.size_ratio = ratio->second.value;
-    }
-  }
-
   void Finalize() override {
     ConsoleReporter::Finalize();
     std::printf("\n%-32s %9s %9s %9s %8s %8s %9s\n", "workload (us, medians)", "PNG", "Zint PNG", "PNG/Zint", "URI/PNG",
@@ -369,29 +350,9 @@ class RatioReporter : public benchmark::ConsoleReporter {
                   zint ? Format("%.1f", zint->microseconds).c_str() : "-",
                   zint ? Format("%.2f", png->microseconds / zint->microseconds).c_str() : "-",
                   uri ? Format("%.2f", uri->microseconds / png->microseconds).c_str() : "-",
-                  svg ? Format("%.1f", svg->microseconds).c_str() : "-", png->size_ratio);
+                  svg ? Format("%.1f", svg->microseconds).c_str() : "-", png->Counter("size_ratio"));
     }
   }
-
- private:
-  struct Result {
-    double microseconds = 0;
-    double size_ratio = 0;
-    bool from_median = false;
-  };
-
-  const Result* Find(const char* kind, const char* workload) const {
-    const auto it = results_.find(std::string(kind) + workload);
-    return it == results_.end() ? nullptr : &it->second;
-  }
-
-  static std::string Format(const char* format, double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-  }
-
-  std::map<std::string, Result> results_;
 };
 
 }  // namespace

@@ -9,12 +9,12 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "barcode_ffi.h"
+#include "support/median_reporter.h"
 #include "support/zint_png.h"
 
 namespace {
@@ -178,28 +178,9 @@ void RegisterSeries() {
   }
 }
 
-// Keeps each benchmark's real time (the median when repeated) and its pixels and modules,
-// and prints one line a series after the console table.
-class GrowthReporter : public benchmark::ConsoleReporter {
+// Prints one line a series after the console table.
+class GrowthReporter : public barcode_orv::bench::MedianReporter {
  public:
-  GrowthReporter() : ConsoleReporter(isatty(STDOUT_FILENO) != 0 ? OO_Color : OO_None) {}
-
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.error_occurred) continue;
-      const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
-      if (run.run_type == Run::RT_Aggregate && !median) continue;
-      Result& result = results_[run.run_name.function_name];
-      if (result.from_median && !median) continue;
-      result.from_median = median;
-      result.microseconds = run.GetAdjustedRealTime() * benchmark::GetTimeUnitMultiplier(benchmark::kMicrosecond) /
-                            benchmark::GetTimeUnitMultiplier(run.time_unit);
-      result.pixels = CounterValue(run, "pixels");
-      result.modules = CounterValue(run, "modules");
-    }
-  }
-
   void Finalize() override {
     ConsoleReporter::Finalize();
     std::printf("\n%-20s %10s %10s %9s %11s %10s %10s %10s\n", "series (medians)", "ours us", "Zint us", "ours/Zint",
@@ -210,41 +191,16 @@ class GrowthReporter : public benchmark::ConsoleReporter {
       const Result* zint = Find("Zint/", series.name);
       std::printf("%-20s %10.1f %10s %9s %11.0f %10.3f %10s %10.2f\n", series.name, ours->microseconds,
                   zint ? Format("%.1f", zint->microseconds).c_str() : "-",
-                  zint ? Format("%.2f", ours->microseconds / zint->microseconds).c_str() : "-", ours->pixels,
-                  PerUnit(ours->microseconds, ours->pixels),
-                  zint ? Format("%.3f", PerUnit(zint->microseconds, zint->pixels)).c_str() : "-",
-                  PerUnit(ours->microseconds, ours->modules));
+                  zint ? Format("%.2f", ours->microseconds / zint->microseconds).c_str() : "-", ours->Counter("pixels"),
+                  PerUnit(ours->microseconds, ours->Counter("pixels")),
+                  zint ? Format("%.3f", PerUnit(zint->microseconds, zint->Counter("pixels"))).c_str() : "-",
+                  PerUnit(ours->microseconds, ours->Counter("modules")));
     }
   }
 
  private:
-  struct Result {
-    double microseconds = 0;
-    double pixels = 0;
-    double modules = 0;
-    bool from_median = false;
-  };
-
-  static double CounterValue(const Run& run, const char* name) {
-    const auto it = run.counters.find(name);
-    return it == run.counters.end() ? 0 : it->second.value;
-  }
-
   // Nanoseconds a unit.
   static double PerUnit(double microseconds, double units) { return units > 0 ? microseconds * 1000 / units : 0; }
-
-  const Result* Find(const char* kind, const char* series) const {
-    const auto it = results_.find(std::string(kind) + series);
-    return it == results_.end() ? nullptr : &it->second;
-  }
-
-  static std::string Format(const char* format, double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-  }
-
-  std::map<std::string, Result> results_;
 };
 
 }  // namespace
