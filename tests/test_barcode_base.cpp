@@ -135,6 +135,9 @@ TEST(PixelBlendTest, SamePixelsAsSdlsBlit) {
   SurfacePtr glyph(SDL_CreateRGBSurfaceWithFormat(0, 23, 17, 32, SDL_PIXELFORMAT_ARGB8888));
   ASSERT_NE(glyph, nullptr);
   const std::pair<int, int> places[] = {{5, 4}, {-7, 3}, {50, -9}, {55, 30}, {-30, -30}, {70, 10}, {0, 0}};
+  // A canvas without a column has no pixels at all: nothing is touched.
+  SurfacePtr empty = MakeSurface(0, 40);
+  BlendGlyph(glyph.get(), empty.get(), 2, 5);
   for (const bool opaque_canvas : {true, false}) {
     for (const auto& [left, top] : places) {
       auto* source = static_cast<uint32_t*>(glyph->pixels);

@@ -33,6 +33,7 @@ void BlendGlyph(const SDL_Surface* image, SDL_Surface* canvas, int left, int top
   const int64_t from_y = std::max<int64_t>(top, 0);
   const int64_t to_x = std::min<int64_t>(int64_t{left} + image->w, canvas->w);
   const int64_t to_y = std::min<int64_t>(int64_t{top} + image->h, canvas->h);
+  if (from_x >= to_x) return;  // nothing of it on the canvas (whose pixels may be none at all)
   for (int64_t y = from_y; y < to_y; ++y) {
     const auto* source =
         reinterpret_cast<const uint32_t*>(static_cast<const uint8_t*>(image->pixels) + (y - top) * image->pitch) +
