@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 namespace barcode_orv {
 namespace {
@@ -21,6 +22,9 @@ uint32_t Over(uint32_t argb, uint32_t abgr) {
   return new_red_blue | new_green | new_alpha << 24;
 }
 
+// The alpha bytes of two ARGB8888 pixels read as one 64-bit word (in either byte order).
+constexpr uint64_t kAlphaOfTwo = 0xFF000000FF000000U;
+
 }  // namespace
 
 bool CanBlendGlyph(const SDL_Surface* image, const SDL_Surface* canvas) {
@@ -39,7 +43,19 @@ void BlendGlyph(const SDL_Surface* image, SDL_Surface* canvas, int left, int top
         reinterpret_cast<const uint32_t*>(static_cast<const uint8_t*>(image->pixels) + (y - top) * image->pitch) +
         (from_x - left);
     auto* target = reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(canvas->pixels) + y * canvas->pitch) + from_x;
-    for (int64_t x = from_x; x < to_x; ++x, ++source, ++target) {
+    int64_t x = from_x;
+    // Most of a glyph's box is clear: four clear pixels are passed over at once.
+    for (; x + 4 <= to_x; x += 4, source += 4, target += 4) {
+      uint64_t first_two;
+      uint64_t last_two;
+      std::memcpy(&first_two, source, sizeof first_two);
+      std::memcpy(&last_two, source + 2, sizeof last_two);
+      if (((first_two | last_two) & kAlphaOfTwo) == 0) continue;
+      for (int i = 0; i < 4; ++i) {
+        if ((source[i] >> 24) != 0) target[i] = Over(source[i], target[i]);
+      }
+    }
+    for (; x < to_x; ++x, ++source, ++target) {
       if ((*source >> 24) != 0) *target = Over(*source, *target);
     }
   }
