@@ -71,17 +71,17 @@ int BitDepthFor(size_t colour_count) {
 
 // Indices of one source row, one byte each; false past 256 colours.
 bool IndexRow(const uint32_t* src, int width, PaletteBuilder* palette, uint8_t* dst) {
-  uint32_t last_pixel = 0;
+  // Bars, spaces and modules come in runs: a pixel like the last one keeps its index.
+  // The first pixel never matches the made-up pixel before it.
+  uint32_t last_pixel = width > 0 ? ~src[0] : 0;
   uint8_t last_index = 0;
-  bool have_last = false;
   for (int x = 0; x < width; ++x) {
     const uint32_t pixel = src[x];
-    if (!have_last || pixel != last_pixel) {  // bars, spaces and modules come in runs
+    if (pixel != last_pixel) {
       const std::optional<uint8_t> index = palette->IndexOf(pixel);
       if (!index) return false;
       last_pixel = pixel;
       last_index = *index;
-      have_last = true;
     }
     dst[x] = last_index;
   }
