@@ -667,7 +667,12 @@ class ImageDeflater::Search {
     const size_t limit = std::min(kMaxMatch, end - i);
     if (limit < kMinMatch) return best;
     const uint8_t* here = data_ + i;
-    const uint32_t first = First3(here);
+    // The first three bytes, read as one word where four are there to read.
+    const bool whole_word = i + 4 <= size_;
+    const auto first3 = [whole_word](const uint8_t* bytes) {
+      return whole_word ? Load32(bytes) & 0xFFFFFFU : First3(bytes);
+    };
+    const uint32_t first = first3(here);
     const size_t farthest = std::min(i, kWindow);
     const auto consider = [&](size_t distance) {
       // Nothing beats a match to the limit (whose next byte may lie past the data); 0
@@ -675,7 +680,7 @@ class ImageDeflater::Search {
       if (best.length == limit || distance - 1 >= farthest) return;
       const uint8_t* there = here - distance;
       // Most candidates fail at once: a match of three bytes first, then one longer than the best.
-      if (First3(there) != first || here[best.length] != there[best.length]) return;
+      if (first3(there) != first || here[best.length] != there[best.length]) return;
       const size_t length = CommonLength(here, there, limit);
       if (length > best.length) best = Found{length, distance};
     };
