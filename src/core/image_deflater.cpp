@@ -420,18 +420,18 @@ void PutSymbols(const std::vector<uint32_t>& symbols, const HuffmanCode& literal
       out->Put(literals.bits[symbol], literals.lengths[symbol]);
       continue;
     }
+    // Each code with its extra bits behind it, as one put (at most 15 + 13 bits).
     const size_t length = MatchLengthOf(symbol);
     const int length_code = kLengthCodes[length - kMinMatch];
-    out->Put(literals.bits[257 + length_code], literals.lengths[257 + length_code]);
-    if (kLengthExtra[length_code] != 0) {
-      out->Put(static_cast<uint32_t>(length - kLengthBase[length_code]), kLengthExtra[length_code]);
-    }
+    const int length_bits = literals.lengths[257 + length_code];
+    out->Put(literals.bits[257 + length_code] | static_cast<uint32_t>(length - kLengthBase[length_code]) << length_bits,
+             length_bits + kLengthExtra[length_code]);
     const size_t distance = MatchDistanceOf(symbol);
     const int distance_code = DistanceCode(distance);
-    out->Put(distances.bits[distance_code], distances.lengths[distance_code]);
-    if (kDistanceExtra[distance_code] != 0) {
-      out->Put(static_cast<uint32_t>(distance - kDistanceBase[distance_code]), kDistanceExtra[distance_code]);
-    }
+    const int distance_bits = distances.lengths[distance_code];
+    out->Put(distances.bits[distance_code] | static_cast<uint32_t>(distance - kDistanceBase[distance_code])
+                                                 << distance_bits,
+             distance_bits + kDistanceExtra[distance_code]);
   }
   out->Put(literals.bits[kEndOfBlock], literals.lengths[kEndOfBlock]);
 }
