@@ -25,6 +25,39 @@ uint32_t Over(uint32_t argb, uint32_t abgr) {
 // The alpha bytes of two ARGB8888 pixels read as one 64-bit word (in either byte order).
 constexpr uint64_t kAlphaOfTwo = 0xFF000000FF000000U;
 
+#if defined(__GNUC__)
+// Four pixels at once, lane by lane the arithmetic of Over(), clear source pixels leaving
+// their target as it was: a glyph's edge is a mix of clear and covered pixels, which
+// branch by branch costs a misprediction every few pixels.
+using FourPixels = uint32_t __attribute__((vector_size(16)));
+
+void OverFour(const uint32_t* argb, uint32_t* abgr) {
+  FourPixels s;
+  FourPixels t;
+  std::memcpy(&s, argb, sizeof s);
+  std::memcpy(&t, abgr, sizeof t);
+  const FourPixels alpha = s >> 24;
+  const FourPixels source = (s & 0xFF00FF00U) | (s >> 16 & 0xFFU) | (s & 0xFFU) << 16;
+  const FourPixels red_blue = t & 0xFF00FFU;
+  const FourPixels green = t & 0xFF00U;
+  const FourPixels new_red_blue = (red_blue + (((source & 0xFF00FFU) - red_blue) * alpha >> 8)) & 0xFF00FFU;
+  const FourPixels new_green = (green + (((source & 0xFF00U) - green) * alpha >> 8)) & 0xFF00U;
+  const FourPixels new_alpha = alpha + ((t >> 24) * (alpha ^ 0xFFU) >> 8);
+  const FourPixels blended = new_red_blue | new_green | new_alpha << 24;
+  const auto opaque = reinterpret_cast<FourPixels>(alpha == 0xFFU);  // all ones where true
+  const auto clear = reinterpret_cast<FourPixels>(alpha == 0U);
+  const FourPixels covered = (opaque & source) | (~opaque & blended);
+  const FourPixels result = (clear & t) | (~clear & covered);
+  std::memcpy(abgr, &result, sizeof result);
+}
+#else
+void OverFour(const uint32_t* argb, uint32_t* abgr) {
+  for (int i = 0; i < 4; ++i) {
+    if ((argb[i] >> 24) != 0) abgr[i] = Over(argb[i], abgr[i]);
+  }
+}
+#endif
+
 }  // namespace
 
 bool CanBlendGlyph(const SDL_Surface* image, const SDL_Surface* canvas) {
@@ -51,9 +84,7 @@ void BlendGlyph(const SDL_Surface* image, SDL_Surface* canvas, int left, int top
       std::memcpy(&first_two, source, sizeof first_two);
       std::memcpy(&last_two, source + 2, sizeof last_two);
       if (((first_two | last_two) & kAlphaOfTwo) == 0) continue;
-      for (int i = 0; i < 4; ++i) {
-        if ((source[i] >> 24) != 0) target[i] = Over(source[i], target[i]);
-      }
+      OverFour(source, target);
     }
     for (; x < to_x; ++x, ++source, ++target) {
       if ((*source >> 24) != 0) *target = Over(*source, *target);
