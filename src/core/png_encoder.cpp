@@ -102,6 +102,21 @@ void PackRow(uint8_t* row, int width, int bit_depth) {
   }
 }
 
+// The colour of a 32-bit pixel: what SDL_GetRGBA returns, without a call per colour
+// where every channel has 8 bits (no loss to scale back).
+SDL_Color ColorOf(uint32_t pixel, const SDL_PixelFormat& format) {
+  SDL_Color color;
+  if (format.Rloss != 0 || format.Gloss != 0 || format.Bloss != 0 || (format.Amask != 0 && format.Aloss != 0)) {
+    SDL_GetRGBA(pixel, &format, &color.r, &color.g, &color.b, &color.a);
+    return color;
+  }
+  color.r = static_cast<Uint8>((pixel & format.Rmask) >> format.Rshift);
+  color.g = static_cast<Uint8>((pixel & format.Gmask) >> format.Gshift);
+  color.b = static_cast<Uint8>((pixel & format.Bmask) >> format.Bshift);
+  color.a = format.Amask == 0 ? 255 : static_cast<Uint8>((pixel & format.Amask) >> format.Ashift);
+  return color;
+}
+
 // Fills `image` (whose buffers are kept from the last picture: a fresh one costs page
 // faults that took a fifth of a wide picture's time) with the palette form of `surface`;
 // false past 256 colours.
@@ -137,12 +152,15 @@ bool ToPaletteImage(const SDL_Surface* surface, PaletteImage* out) {
   // mapping; tRNS ends at the last translucent entry (sorting those first would save a
   // few of its bytes and cost a pass over every distinct pixel).
   const std::vector<uint32_t>& colors = builder.colors();
+  image.palette.resize(3 * colors.size());
+  image.alpha.resize(colors.size());
   size_t translucent_end = 0;
   for (size_t i = 0; i < colors.size(); ++i) {
-    SDL_Color color;
-    SDL_GetRGBA(colors[i], surface->format, &color.r, &color.g, &color.b, &color.a);
-    image.palette.insert(image.palette.end(), {color.r, color.g, color.b});
-    image.alpha.push_back(color.a);
+    const SDL_Color color = ColorOf(colors[i], *surface->format);
+    image.palette[3 * i] = color.r;
+    image.palette[3 * i + 1] = color.g;
+    image.palette[3 * i + 2] = color.b;
+    image.alpha[i] = color.a;
     if (color.a < 255) translucent_end = i + 1;
   }
   image.alpha.resize(translucent_end);
