@@ -201,10 +201,40 @@ constexpr uint32_t kAdlerModulus = 65521;
 constexpr uint8_t kFilterNone = 0;
 constexpr uint8_t kFilterUp = 2;
 
+// The sum of 8 bytes and their sum weighted 8 down to 1.
+struct EightBytesSums {
+  uint32_t sum;
+  uint32_t weighted;
+};
+
+EightBytesSums SumsOfEight(const uint8_t* bytes) {
+#if defined(__GNUC__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  // In one 64-bit word: the bytes at even places and the sums of neighbouring pairs as
+  // four 16-bit lanes; a product with lanes of weights leaves the weighted lane sum in its
+  // top lane (no lane exceeds 16 bits, so none carries into the next).
+  uint64_t word;
+  std::memcpy(&word, bytes, sizeof word);
+  constexpr uint64_t kLowBytes = 0x00FF00FF00FF00FFU;
+  constexpr uint64_t kOnes = 0x0001000100010001U;
+  constexpr uint64_t kPairWeights = 0x0007000500030001U;  // 7, 5, 3, 1 from the first pair on
+  const uint64_t even = word & kLowBytes;
+  const uint64_t pairs = even + (word >> 8 & kLowBytes);
+  return EightBytesSums{static_cast<uint32_t>(pairs * kOnes >> 48),
+                        static_cast<uint32_t>((pairs * kPairWeights >> 48) + (even * kOnes >> 48))};
+#else
+  EightBytesSums sums{0, 0};
+  for (uint32_t k = 0; k < 8; ++k) {
+    sums.sum += bytes[k];
+    sums.weighted += (8 - k) * bytes[k];
+  }
+  return sums;
+#endif
+}
+
 // Adler-32 (RFC 1950; s2 << 16 | s1) continued over `count` bytes, a block of 16 at a
 // time: the block's sum adds to s1, and s2 gains 16 times s1 plus the bytes weighted 16
 // down to 1. Independent sums instead of zlib's byte-by-byte chain took a row's checksum
-// from about 8 instructions a byte to 3.
+// from about 8 instructions a byte to 5; the sums of eight bytes in one word, to 3.5.
 uint32_t AdlerAfter(uint32_t adler, const uint8_t* bytes, size_t count) {
   // The most bytes after which s2 still fits 32 bits (zlib's NMAX), a multiple of 16.
   constexpr size_t kBytesBeforeModulo = 5552;
@@ -214,14 +244,10 @@ uint32_t AdlerAfter(uint32_t adler, const uint8_t* bytes, size_t count) {
     size_t chunk = std::min(count, kBytesBeforeModulo);
     count -= chunk;
     for (; chunk >= 16; chunk -= 16, bytes += 16) {
-      uint32_t sum = 0;
-      uint32_t weighted = 0;
-      for (uint32_t k = 0; k < 16; ++k) {
-        sum += bytes[k];
-        weighted += (16 - k) * bytes[k];
-      }
-      s2 += 16 * s1 + weighted;
-      s1 += sum;
+      const EightBytesSums low = SumsOfEight(bytes);
+      const EightBytesSums high = SumsOfEight(bytes + 8);
+      s2 += 16 * s1 + low.weighted + 8 * low.sum + high.weighted;
+      s1 += low.sum + high.sum;
     }
     for (; chunk > 0; --chunk, ++bytes) {
       s1 += *bytes;
