@@ -129,7 +129,8 @@ TEST(PngEncoderTest, WideRowsKeepEveryPixel) {
 }
 
 // A glyph blended by the library, against SDL_BlitSurface in blend mode: alphas over
-// opaque and translucent canvases, placed inside, across each edge and off the canvas.
+// opaque and translucent canvases, placed inside, across each edge and off the canvas,
+// whole or clipped to its covered part.
 TEST(PixelBlendTest, SamePixelsAsSdlsBlit) {
   std::mt19937 rng(11);
   SurfacePtr glyph(SDL_CreateRGBSurfaceWithFormat(0, 23, 17, 32, SDL_PIXELFORMAT_ARGB8888));
@@ -144,6 +145,13 @@ TEST(PixelBlendTest, SamePixelsAsSdlsBlit) {
       // Clear stretches, as most of a glyph's box is, between random alphas.
       for (int i = 0; i < glyph->w * glyph->h; ++i) {
         source[i] = (i % 7 < 3 ? 0U : rng() % 256) << 24 | (rng() & 0xFFFFFFU);
+      }
+      // On the translucent canvas only the clip rectangle is covered, as in a cached glyph.
+      const SDL_Rect ink = opaque_canvas ? SDL_Rect{0, 0, glyph->w, glyph->h} : SDL_Rect{3, 2, 13, 11};
+      SDL_SetClipRect(glyph.get(), &ink);
+      for (int i = 0; i < glyph->w * glyph->h; ++i) {
+        const SDL_Point point{i % glyph->w, i / glyph->w};
+        if (!SDL_PointInRect(&point, &ink)) source[i] &= 0xFFFFFFU;
       }
       SurfacePtr ours = MakeSurface(64, 40);
       auto* canvas = static_cast<uint32_t*>(ours->pixels);

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <mutex>
+#include <string>
 #include <tuple>
 
 #include "linear/font_library.h"
@@ -119,6 +121,47 @@ TEST(FontSearchTest, CandidatesComeInTheFixedOrder) {
   // The build puts the font beside its programs.
   EXPECT_EQ(font::FindFontPath(""), font::GetExecutablePath() + "/assets/fonts/Roboto-Regular.ttf");
   EXPECT_EQ(font::FindFontPath("/nonexistent"), font::FindFontPath(""));
+}
+
+// A cached glyph's clip rectangle is its ink, tightly: every pixel outside it is clear
+// (blending skips them) and each of its four edges touches a covered pixel.
+TEST(FontSearchTest, CachedGlyphsAreClippedToTheirInk) {
+  ASSERT_TRUE(font::HoldTtf());
+  const std::lock_guard<std::mutex> lock(font::Mutex());
+  for (const int points : {9, 17, 40}) {
+    ASSERT_NE(font::SizedFont(font::FindFontPath(""), points), nullptr);
+    for (const char character : std::string("0147AMgjy(|_ .")) {
+      const SharedSurface glyph = font::RenderCharacter(points, character, SDL_Color{10, 20, 30, 255});
+      ASSERT_NE(glyph, nullptr);
+      const SDL_Rect ink = glyph->clip_rect;
+      const auto alpha = [&glyph](int x, int y) {
+        return static_cast<const uint32_t*>(glyph->pixels)[y * glyph->pitch / 4 + x] & glyph->format->Amask;
+      };
+      bool left = false;
+      bool right = false;
+      bool top = false;
+      bool bottom = false;
+      for (int y = 0; y < glyph->h; ++y) {
+        for (int x = 0; x < glyph->w; ++x) {
+          const bool inside = x >= ink.x && x < ink.x + ink.w && y >= ink.y && y < ink.y + ink.h;
+          if (!inside) {
+            EXPECT_EQ(alpha(x, y), 0U) << character << " at " << x << ", " << y;
+            continue;
+          }
+          if (alpha(x, y) == 0) continue;
+          left |= x == ink.x;
+          right |= x == ink.x + ink.w - 1;
+          top |= y == ink.y;
+          bottom |= y == ink.y + ink.h - 1;
+        }
+      }
+      const bool blank = character == ' ';
+      EXPECT_EQ(blank, ink.w == 0 || ink.h == 0) << character;
+      if (!blank) {
+        EXPECT_TRUE(left && right && top && bottom) << character << " at " << points;
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -66,10 +66,11 @@ bool CanBlendGlyph(const SDL_Surface* image, const SDL_Surface* canvas) {
 }
 
 void BlendGlyph(const SDL_Surface* image, SDL_Surface* canvas, int left, int top) {
-  const int64_t from_x = std::max<int64_t>(left, 0);
-  const int64_t from_y = std::max<int64_t>(top, 0);
-  const int64_t to_x = std::min<int64_t>(int64_t{left} + image->w, canvas->w);
-  const int64_t to_y = std::min<int64_t>(int64_t{top} + image->h, canvas->h);
+  const SDL_Rect& part = image->clip_rect;
+  const int64_t from_x = std::max<int64_t>(int64_t{left} + part.x, 0);
+  const int64_t from_y = std::max<int64_t>(int64_t{top} + part.y, 0);
+  const int64_t to_x = std::min<int64_t>(int64_t{left} + part.x + part.w, canvas->w);
+  const int64_t to_y = std::min<int64_t>(int64_t{top} + part.y + part.h, canvas->h);
   if (from_x >= to_x) return;  // nothing of it on the canvas (whose pixels may be none at all)
   for (int64_t y = from_y; y < to_y; ++y) {
     const auto* source =

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <cstddef>
@@ -53,6 +54,31 @@ struct SizedFontEntry {
   std::map<GlyphKey, SharedSurface> glyphs;
   std::map<std::string, int> widths;
 };
+
+// Narrows the clip rectangle of a rendered glyph to the pixels it covers (none for a
+// space): a digit's box is mostly clear rows above and below it and clear columns beside
+// it, which blending would only pass over.
+void ClipToInk(SDL_Surface* glyph) {
+  if (glyph->format->BytesPerPixel != 4 || SDL_MUSTLOCK(glyph) || glyph->format->Amask == 0) return;
+  const uint32_t alpha_mask = glyph->format->Amask;
+  int left = glyph->w;
+  int right = 0;
+  int top = glyph->h;
+  int bottom = 0;
+  for (int y = 0; y < glyph->h; ++y) {
+    const auto* row =
+        reinterpret_cast<const uint32_t*>(static_cast<const uint8_t*>(glyph->pixels) + ptrdiff_t{y} * glyph->pitch);
+    for (int x = 0; x < glyph->w; ++x) {
+      if ((row[x] & alpha_mask) == 0) continue;
+      left = std::min(left, x);
+      right = std::max(right, x + 1);
+      top = std::min(top, y);
+      bottom = y + 1;
+    }
+  }
+  const SDL_Rect ink{left, top, std::max(right - left, 0), std::max(bottom - top, 0)};
+  SDL_SetClipRect(glyph, &ink);
+}
 
 std::map<int, SizedFontEntry>& SizedFonts() {
   static std::map<int, SizedFontEntry> fonts;
@@ -160,6 +186,7 @@ SharedSurface RenderCharacter(int points, char character, SDL_Color color) {
   const char text[] = {character, '\0'};
   SharedSurface rendered = ShareSurface(TTF_RenderUTF8_Blended(sized->second.font.get(), text, color));
   if (!rendered) return nullptr;
+  ClipToInk(rendered.get());
   const size_t bytes = PixelBytes(rendered.get());
   if (bytes > kMaxCachedGlyphBytes) return rendered;
   if (cached_glyph_bytes + bytes > kMaxCachedGlyphBytes) ForgetGlyphs();
