@@ -529,6 +529,7 @@ class ImageDeflater::Search {
         size_(size),
         stride_(stride),
         chain_depth_(size < kMaxHashedBytes ? chain_depth : 0),
+        hashed_end_(size >= 4 ? size - 3 : 0),
         out_(out) {}
 
   void Run(const std::vector<FilteredRow>& rows) {
@@ -651,7 +652,7 @@ class ImageDeflater::Search {
         i += found.length;
       } else {
         Literal(i);
-        Insert(i);
+        InsertOne(i);
         ++i;
       }
     }
@@ -707,17 +708,22 @@ class ImageDeflater::Search {
   // The positions a match covers. A run's inner positions are runs themselves, which are
   // never entered; a long copy enters its first positions and its last.
   void InsertCovered(size_t at, const Found& found) {
-    const size_t end = at + found.length;
-    size_t from = found.distance == 1 ? end - kMinMatch : at;
+    if (chain_depth_ == 0) return;
+    const size_t end = std::min(at + found.length, hashed_end_);
+    size_t from = found.distance == 1 ? at + found.length - kMinMatch : at;
     if (found.distance != 1 && found.length > kFullyEnteredMatch) {
-      for (; from < at + kFullyEnteredMatch / 2; ++from) Insert(from);
-      from = end - kMinMatch;
+      for (; from < std::min(at + kFullyEnteredMatch / 2, end); ++from) Insert(from);
+      from = at + found.length - kMinMatch;
     }
     for (; from < end; ++from) Insert(from);
   }
 
+  void InsertOne(size_t at) {
+    if (chain_depth_ != 0 && at < hashed_end_) Insert(at);
+  }
+
+  // Enters the 4 bytes at `at`, which lie within the data (at < hashed_end_).
   void Insert(size_t at) {
-    if (chain_depth_ == 0 || at + 4 > size_) return;
     const uint32_t four = Load32(data_ + at);
     if (IsRun(four)) return;
     uint32_t& head = owner_.head_[HashOf(four)];
@@ -730,6 +736,7 @@ class ImageDeflater::Search {
   size_t size_;
   size_t stride_;
   int chain_depth_;
+  size_t hashed_end_;  // positions before it have 4 bytes to hash
   BitWriter* out_;
   size_t position_ = 0;
   size_t block_start_ = 0;
