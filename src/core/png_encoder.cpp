@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
-#include <optional>
 
 #include "core/image_deflater.h"
 #include "core/sdl_handles.h"
@@ -21,14 +20,14 @@ namespace {
 // Distinct 32-bit pixel values, up to 256, in first-seen order.
 class PaletteBuilder {
  public:
-  // Index of `pixel`, adding it if new; nullopt once more than 256 colours are seen.
-  std::optional<uint8_t> IndexOf(uint32_t pixel) {
+  // Index of `pixel`, adding it if new; -1 once more than 256 colours are seen.
+  int IndexOf(uint32_t pixel) {
     size_t slot = Hash(pixel);
     while (used_[slot]) {
       if (keys_[slot] == pixel) return indices_[slot];
       slot = (slot + 1) & (kSlots - 1);
     }
-    if (colors_.size() == 256) return std::nullopt;
+    if (colors_.size() == 256) return -1;
     used_[slot] = true;
     keys_[slot] = pixel;
     indices_[slot] = static_cast<uint8_t>(colors_.size());
@@ -78,10 +77,10 @@ bool IndexRow(const uint32_t* src, int width, PaletteBuilder* palette, uint8_t* 
   for (int x = 0; x < width; ++x) {
     const uint32_t pixel = src[x];
     if (pixel != last_pixel) {
-      const std::optional<uint8_t> index = palette->IndexOf(pixel);
-      if (!index) return false;
+      const int index = palette->IndexOf(pixel);
+      if (index < 0) return false;
       last_pixel = pixel;
-      last_index = *index;
+      last_index = static_cast<uint8_t>(index);
     }
     dst[x] = last_index;
   }
