@@ -448,6 +448,7 @@ void BarcodeBase1D::PaintTextRaster(const TextPlacement& placement) {
   // Only the rendering needs the shared fonts; the pieces are copied onto this object's
   // canvas after the lock is released, so threads drawing on separate handles overlap.
   std::vector<RenderedPiece> rendered_pieces;
+  rendered_pieces.reserve(placement.pieces.size());
   {
     const std::lock_guard<std::mutex> lock(font::Mutex());
     if (font::TtfDroppedUnderUs()) OpenFontsLocked();
